@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "background/WaveDataProcessor.h"
+#include "ekdatapr/EkDataPr.h"
+#include "platform/File.h"
+#include "storage/PeakCache.h"
+#include "storage/SoundBuffer.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ek {
+
+/// One temporary file of a store: it holds the stream bytes [Start, Start + Length) from its beginning on. The
+/// file may be longer; the rest is not part of the stream.
+struct TempFileEntry {
+    uint64_t Start = 0;
+    uint64_t Length = 0;
+    std::filesystem::path Name;
+    File Handle;
+};
+
+/// The paged sample store of one sound: interleaved 16-bit frames in a list of hidden temporary files behind a
+/// cache of ten pages. Offsets and lengths are bytes of the stream unless a name says frames; ranges are
+/// half-open. Every operation that can fail returns false and has written a line to the log.
+///
+/// ReadData, WriteData and SampleAt may be called from any thread: one lock for all stores serialises them. All
+/// other operations run only while no other thread uses the store.
+class CWaveData final : public FrameSource {
+public:
+    static constexpr uint32_t PageSize = 1720320; ///< a multiple of every 16-bit frame size of 1 to 8 channels
+    static constexpr uint32_t ResidentPageLimit = 10;
+
+    CWaveData();
+    ~CWaveData(); ///< deletes the temporary files
+    CWaveData(const CWaveData&) = delete;
+    CWaveData& operator=(const CWaveData&) = delete;
+
+    // What it holds.
+    const WAVEFORMATEXTENSIBLE& SourceFormat() const { return m_sourceFormat; }
+    const WAVEFORMATEXTENSIBLE& WorkingFormat() const { return m_workingFormat; }
+    const StreamProperties& StreamProps() const { return m_streamProps; }
+    uint64_t FrameCount() const { return m_frameCount; }
+    uint64_t ByteLength() const { return m_frameCount * m_workingFormat.nBlockAlign; }
+    uint32_t BlockAlign() const override { return m_workingFormat.nBlockAlign; }
+    const std::filesystem::path& Path() const { return m_path; }
+    const std::list<TempFileEntry>& TempFiles() const { return m_tempFiles; }
+    const PeakCache& Peaks() const { return m_peaks; }
+
+    // Bytes. A range beyond the stream is an error; the part before it is done.
+    bool ReadData(void* buffer, uint64_t offset, uint64_t length) override;
+    bool WriteData(const void* data, uint64_t offset, uint64_t length);
+    int16_t SampleAt(uint64_t valueIndex); ///< 0 beyond the end
+
+    // Structure.
+    /// Makes room of `length` bytes: what lies at and after `b` moves up, what lies before `a` stays (a <= b). The
+    /// bytes of [a, b + length) are the caller's to overwrite; for a == b the room lies exactly there and reads
+    /// as zeros. On failure the content and the length are as before.
+    bool InsertSpace(uint64_t a, uint64_t b, uint64_t length);
+    bool RemoveData(uint64_t from, uint64_t to);
+    bool CopyFrom(CWaveData& source); ///< a deep copy, peak cache included
+    /// Formats of an empty store; 8-bit becomes 16-bit in the working format.
+    bool SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties);
+    bool FlushPages(); ///< writes changed pages back and empties the page cache
+    void ResetPages(); ///< empties the page cache without writing and counts the pages again
+    void Close();      ///< back to an empty store
+
+    /// Source format, working format, properties, frame count (8 bytes, little-endian), then the bytes. The file
+    /// position is `position`, moved behind the record.
+    bool WriteToStream(File& file, uint64_t& position);
+    /// Fills an empty store and builds its peaks; false also for a record of no frames. The store is empty then.
+    bool ReadFromStream(File& file, uint64_t& position);
+
+    // Peaks.
+    bool BuildPeakCache();
+    /// After an edit that turned `oldLength` frames from `startFrame` on into `newLength` frames.
+    bool RebuildPeakCachePart(uint64_t startFrame, uint64_t oldLength, uint64_t newLength, ChannelCode code);
+
+    // Files.
+    /// False: no such file, the import failed (the user was told and the store is empty), or the user cancelled
+    /// (what was read so far is kept).
+    bool OpenFile(const std::filesystem::path& path);
+    bool OpenFileAs(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& wanted);
+    /// Writes the sound beside `target`, syncs and renames it over. With `useStoredSettings` the source's own coder
+    /// settings are used, else the user is asked. `openAfter` (may be null) receives the coder's wish to open the
+    /// new file. False: failed (the user was told) or cancelled; an old file at the target is untouched.
+    bool SaveFile(const std::filesystem::path& target, bool useStoredSettings, bool* openAfter);
+
+    // Edits of frames, each behind a progress. One channel is edited when the code is not ChannelAll.
+    enum class Direction { StoreToBlock, BlockToStore };
+    WorkResult ExchangeFrames(SoundBuffer& block, uint64_t start, uint64_t count, ChannelCode code,
+                              Direction direction, const std::string& caption, bool cancellable);
+    /// Silence; the old frames go into `undo` (may be null) from its fill position on.
+    bool ClearFrames(uint64_t start, uint64_t count, ChannelCode code, const std::string& caption,
+                     bool cancellable, SoundBuffer* undo);
+    /// All channels: removed. One channel of several: silenced, the old samples going into `undo`.
+    bool DeleteFrames(uint64_t start, uint64_t end, ChannelCode code, const std::string& caption,
+                      SoundBuffer* undo);
+    /// Replaces [start, end) by the block; `end` becomes the end of what was written.
+    WorkResult ReplaceFrames(uint64_t start, uint64_t& end, const SoundBuffer& block, ChannelCode code,
+                             bool cancellable, const std::string& caption);
+    /// Mixes the block in from `start` on; the sound grows when the block is longer than what follows.
+    WorkResult MixFrames(SoundBuffer* undo, uint64_t start, const SoundBuffer& block, ChannelCode code,
+                         bool cancellable, const std::string& caption);
+
+private:
+    // The implementer of the room fills in the private part.
+};
+
+} // namespace ek

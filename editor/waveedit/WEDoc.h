@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/Document.h"
+#include "storage/ColumnCache.h"
+#include "storage/WaveData.h"
+
+#include <cstdint>
+#include <string>
+
+namespace ek {
+
+class CSoundBlock;
+
+/// The document of the wave editor: one sound and the display settings that its view keeps with it.
+class CWEDoc final : public CDocument {
+public:
+    CWEDoc();
+    ~CWEDoc() override;
+
+    bool OnNewDocument() override;
+    bool OnOpenDocument(const std::filesystem::path& path) override;
+    bool OnSaveDocument(const std::filesystem::path& path) override;
+    void DeleteContents() override;
+    bool DoSave() override;
+    bool SaveAs() override;
+    bool SaveModified() override;
+    std::span<const CommandEntry> CommandTable() const override;
+
+    /// An empty sound of that format; the document is ready then.
+    bool SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties);
+    bool OpenFromStore(CWaveData& source); ///< becomes a copy of a clip's sound
+    bool NewFromBlock(const CSoundBlock& block); ///< becomes a new, modified sound
+
+    bool IsReady() const { return m_ready; } ///< sound is present; views draw nothing otherwise
+    uint64_t FrameCount() const { return m_store.FrameCount(); }
+    const WAVEFORMATEXTENSIBLE& Format() const { return m_store.WorkingFormat(); }
+    uint32_t ChannelCount() const { return m_store.WorkingFormat().nChannels; }
+    CWaveData& Store() { return m_store; }
+    ColumnCache& Columns() { return m_columns; }
+    /// Does nothing while the document is not ready.
+    void RefreshColumnCache(uint64_t firstFrame, uint32_t framesPerColumn, uint32_t width);
+
+    /// "%02d:%02d:%02d,%03d" of a frame position; empty while there is no rate.
+    std::string FormatPosition(uint64_t frame) const;
+
+    // Display state, kept with the sound; its rules are the view's.
+    uint32_t FirstVisibleChannel = 0;
+    uint32_t VisibleChannelCount = 2;
+    uint32_t AmplitudeScale = 100; ///< percent of full scale that fits in a lane
+
+private:
+    bool SaveTo(const std::filesystem::path& path, bool useStoredSettings, bool* openAfter);
+    void ResetDisplay();
+
+    CWaveData m_store;
+    ColumnCache m_columns;
+    bool m_ready = false;
+};
+
+} // namespace ek

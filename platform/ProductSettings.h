@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/IniFile.h"
+
+#include <string>
+#include <string_view>
+
+namespace ek {
+
+/// Settings of the product as a whole, shared by its modules: ConfigHome()/Quolm/Ek Quintaphonica/
+/// "Ek Quintaphonica Zint 5.0.ini". Sections are named like folders: "Providers\wav". Any thread.
+std::string GetProductSetting(std::string_view section, std::string_view key, std::string_view fallback);
+/// Stored at once; the status is that of the write.
+IoStatus SetProductSetting(std::string_view section, std::string_view key, std::string_view value);
+
+} // namespace ek
