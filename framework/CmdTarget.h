@@ -44,8 +44,8 @@ constexpr CommandEntry Command(uint32_t id)
 template <class T, void (T::*Run)(uint32_t), void (T::*Update)(CommandUi&) = nullptr>
 constexpr CommandEntry CommandRange(uint32_t first, uint32_t last)
 {
-    CommandEntry entry{first, last,
-                       [](CCmdTarget& target, uint32_t id) { (static_cast<T&>(target).*Run)(id); }, nullptr};
+    CommandEntry entry{first, last, [](CCmdTarget& target, uint32_t id) { (static_cast<T&>(target).*Run)(id); },
+                       nullptr};
     if constexpr (Update != nullptr)
         entry.Update = [](CCmdTarget& target, CommandUi& ui) { (static_cast<T&>(target).*Update)(ui); };
     return entry;

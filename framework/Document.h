@@ -39,7 +39,7 @@ protected:
 /// A document: path, title, modified flag, observers. It knows no widget. User-interface thread.
 class CDocument : public CCmdTarget {
 public:
-    virtual bool OnNewDocument();                                     ///< base: empties, unmodified; true
+    virtual bool OnNewDocument(); ///< base: empties, unmodified; true
     virtual bool OnOpenDocument(const std::filesystem::path& path) = 0;
     virtual bool OnSaveDocument(const std::filesystem::path& path) = 0;
     virtual void DeleteContents() {}

@@ -3,7 +3,6 @@
 
 #include "servicefuncs/MessageBox.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -26,12 +25,6 @@ public:
     /// Lets the user choose the coder settings for the extension (without dot); they are stored when the answer
     /// is true. False: cancelled.
     virtual bool ChooseSoundFormat(std::string_view extension) = 0;
-    /// The sound format of a new file: rate and channels; nothing when cancelled.
-    struct NewSound {
-        uint32_t Rate;
-        uint32_t Channels;
-    };
-    virtual std::optional<NewSound> ChooseNewSound() = 0;
 };
 
 /// The prompts in force; the message boxes of AfxSCMessageBox go there too. Null is allowed at start and exit

@@ -62,7 +62,7 @@ IoStatus RemoveFile(const std::filesystem::path& path);
 /// Puts `from` in the place of `to` in one step and makes that lasting (the folder is synced).
 IoStatus RenameOver(const std::filesystem::path& from, const std::filesystem::path& to);
 IoStatus CopyFileTo(const std::filesystem::path& from, const std::filesystem::path& to); ///< overwrites `to`
-bool IsFile(const std::filesystem::path& path);   ///< exists and is not a folder
+bool IsFile(const std::filesystem::path& path);                                          ///< exists and is not a folder
 bool IsFolder(const std::filesystem::path& path); ///< one trailing separator is ignored
 
 /// Raises the soft limit of open files to the hard one. Call once at start-up.

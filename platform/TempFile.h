@@ -19,7 +19,6 @@ std::filesystem::path MakeTempFileName(std::string_view prefix, std::string_view
 
 /// Makes such a name and creates the file, mode 0600, open for reading and writing. A name that another
 /// process takes in between is passed over. On failure `path` is the name that was tried last.
-IoStatus CreateTempFile(std::string_view prefix, std::string_view extension, File& file,
-                        std::filesystem::path& path);
+IoStatus CreateTempFile(std::string_view prefix, std::string_view extension, File& file, std::filesystem::path& path);
 
 } // namespace ek

@@ -26,8 +26,8 @@ public:
     void Invalidate() { m_framesPerColumn = 0; }
     void Free();
 
-    /// Brings the cache to `width` columns of `framesPerColumn` frames (a power of two) from `firstFrame`, rounded to the
-    /// nearest column, on. Fewer columns where the sound ends. Reads samples below 256 frames a column, else peaks.
+    /// Brings the cache to `width` columns of `framesPerColumn` frames (a power of two) from `firstFrame`, rounded to
+    /// the nearest column, on. Fewer columns where the sound ends. Reads samples below 256 frames a column, else peaks.
     void Refresh(CWaveData& store, uint64_t firstFrame, uint32_t framesPerColumn, uint32_t width);
 
     /// Fills the cache with `points` points of `framesPerPoint` frames for a clip: timeline frame t shows data frame

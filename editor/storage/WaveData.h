@@ -93,14 +93,13 @@ public:
 
     // Edits of frames, each behind a progress. One channel is edited when the code is not ChannelAll.
     enum class Direction { StoreToBlock, BlockToStore };
-    WorkResult ExchangeFrames(SoundBuffer& block, uint64_t start, uint64_t count, ChannelCode code,
-                              Direction direction, const std::string& caption, bool cancellable);
+    WorkResult ExchangeFrames(SoundBuffer& block, uint64_t start, uint64_t count, ChannelCode code, Direction direction,
+                              const std::string& caption, bool cancellable);
     /// Silence; the old frames go into `undo` (may be null) from its fill position on.
-    bool ClearFrames(uint64_t start, uint64_t count, ChannelCode code, const std::string& caption,
-                     bool cancellable, SoundBuffer* undo);
+    bool ClearFrames(uint64_t start, uint64_t count, ChannelCode code, const std::string& caption, bool cancellable,
+                     SoundBuffer* undo);
     /// All channels: removed. One channel of several: silenced, the old samples going into `undo`.
-    bool DeleteFrames(uint64_t start, uint64_t end, ChannelCode code, const std::string& caption,
-                      SoundBuffer* undo);
+    bool DeleteFrames(uint64_t start, uint64_t end, ChannelCode code, const std::string& caption, SoundBuffer* undo);
     /// Replaces [start, end) by the block; `end` becomes the end of what was written.
     WorkResult ReplaceFrames(uint64_t start, uint64_t& end, const SoundBuffer& block, ChannelCode code,
                              bool cancellable, const std::string& caption);

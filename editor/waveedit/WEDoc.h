@@ -29,7 +29,7 @@ public:
 
     /// An empty sound of that format; the document is ready then.
     bool SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties);
-    bool OpenFromStore(CWaveData& source); ///< becomes a copy of a clip's sound
+    bool OpenFromStore(CWaveData& source);       ///< becomes a copy of a clip's sound
     bool NewFromBlock(const CSoundBlock& block); ///< becomes a new, modified sound
 
     bool IsReady() const { return m_ready; } ///< sound is present; views draw nothing otherwise

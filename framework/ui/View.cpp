@@ -3,8 +3,7 @@
 
 namespace ek {
 
-CView::CView(CDocument& document, ViewSite& site, QWidget* parent)
-    : QWidget(parent), m_document(document), m_site(site)
+CView::CView(CDocument& document, ViewSite& site, QWidget* parent) : QWidget(parent), m_document(document), m_site(site)
 {
     m_document.AddObserver(*this);
 }

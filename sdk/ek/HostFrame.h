@@ -38,11 +38,11 @@ class CHostFrame {
 public:
     /// slot 0: major in bits 24-31, minor in bits 16-23, build in bits 0-15.
     virtual uint32_t GetVersion() = 0;
-    virtual CHostServices* GetServices() = 0; ///< slot 1
-    virtual CHostPlayer* GetPlayer() = 0;     ///< slot 2
-    virtual CHostRecorder* GetRecorder() = 0; ///< slot 3
+    virtual CHostServices* GetServices() = 0;     ///< slot 1
+    virtual CHostPlayer* GetPlayer() = 0;         ///< slot 2
+    virtual CHostRecorder* GetRecorder() = 0;     ///< slot 3
     virtual void* Reserved4() { return nullptr; } ///< slot 4; never called by the module
-    virtual CHostSkin* GetSkin() = 0;         ///< slot 5
+    virtual CHostSkin* GetSkin() = 0;             ///< slot 5
 
 protected:
     ~CHostFrame() = default;

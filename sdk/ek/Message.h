@@ -23,8 +23,7 @@ class MessageEvent : public QEvent {
 public:
     static constexpr QEvent::Type Kind = static_cast<QEvent::Type>(QEvent::User + 0x0111);
 
-    MessageEvent(uint32_t id, uintptr_t wParam, intptr_t lParam)
-        : QEvent(Kind), Id(id), WParam(wParam), LParam(lParam)
+    MessageEvent(uint32_t id, uintptr_t wParam, intptr_t lParam) : QEvent(Kind), Id(id), WParam(wParam), LParam(lParam)
     {
     }
 

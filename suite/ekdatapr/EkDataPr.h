@@ -47,8 +47,7 @@ DecoderHandle EkOpenFile(const std::filesystem::path& path, WAVEFORMATEXTENSIBLE
                          bool native);
 /// Frames delivered from `firstFrame` on; fewer than asked ends the stream, whatever length was promised. Never
 /// writes beyond `bufferBytes`.
-uint64_t EkGetFileData(DecoderHandle decoder, uint64_t firstFrame, uint64_t frames, void* buffer,
-                       uint64_t bufferBytes);
+uint64_t EkGetFileData(DecoderHandle decoder, uint64_t firstFrame, uint64_t frames, void* buffer, uint64_t bufferBytes);
 void EkCloseFile(DecoderHandle decoder);
 
 /// A new file at `target`, which must not exist yet, of the type that its extension (or, with `properties`, the
@@ -72,18 +71,19 @@ std::string EkGetSupportedCoderExtensions();
 /// "quality" 0..1, "bitrate" in kbit/s, "channels" with the layouts' names, "openafter" "0" or "1".
 struct CoderOption {
     std::string Key;
-    std::string Label;                   ///< for a person
+    std::string Label; ///< for a person
     struct Choice {
         std::string Value;
         std::string Label;
     };
-    std::vector<Choice> Choices;         ///< empty: a number from Minimum to Maximum
+    std::vector<Choice> Choices; ///< empty: a number from Minimum to Maximum
     double Minimum = 0;
     double Maximum = 0;
-    std::string Value;                   ///< as it is set now
+    std::string Value; ///< as it is set now
 };
 
-/// The options of the coder for an extension (without dot, any case), with the values in force. Empty when there is no such coder.
+/// The options of the coder for an extension (without dot, any case), with the values in force. Empty when there is no
+/// such coder.
 std::vector<CoderOption> EkGetCoderOptions(std::string_view extension);
 /// Stores values for the next file made without properties. False, and nothing stored, when a key or a value is
 /// not the coder's; `error` then says which, for a person.

@@ -10,8 +10,8 @@ namespace ek {
 // Buffers of interleaved 16-bit frames. A channel code that the format does not hold changes nothing.
 
 /// Copies the samples of one channel position into consecutive mono samples.
-void SplitChannel(int16_t* destination, const int16_t* source, const WAVEFORMATEXTENSIBLE& format,
-                  uint64_t frames, uint32_t position);
+void SplitChannel(int16_t* destination, const int16_t* source, const WAVEFORMATEXTENSIBLE& format, uint64_t frames,
+                  uint32_t position);
 
 /// Sets the samples of the channel (of all channels for ChannelAll) to silence.
 void ClearWaveData(int16_t* buffer, const WAVEFORMATEXTENSIBLE& format, uint64_t frames, ChannelCode code);
@@ -23,7 +23,7 @@ void MixWaveData(int16_t* destination, const int16_t* first, uint64_t frames, co
                  uint64_t secondFrames, const WAVEFORMATEXTENSIBLE& format, ChannelCode code);
 
 /// Writes mono samples into one channel of the destination's frames; the other channels stay.
-void CopyWaveData(int16_t* destination, const int16_t* source, const WAVEFORMATEXTENSIBLE& format,
-                  uint64_t frames, ChannelCode code);
+void CopyWaveData(int16_t* destination, const int16_t* source, const WAVEFORMATEXTENSIBLE& format, uint64_t frames,
+                  ChannelCode code);
 
 } // namespace ek

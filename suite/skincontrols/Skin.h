@@ -16,8 +16,8 @@ CHostSkin* CurrentSkin();
 
 QColor SkinColorOf(uint32_t colorId);
 
-/// An icon from an SVG whose strokes and fills say currentColor: drawn in `color`, and paler when disabled, sharp at every
-/// display scale. An empty icon when the file cannot be read.
+/// An icon from an SVG whose strokes and fills say currentColor: drawn in `color`, and paler when disabled, sharp at
+/// every display scale. An empty icon when the file cannot be read.
 QIcon MakeIcon(const QString& svgFile, const QColor& color);
 
 } // namespace ek
