@@ -4,8 +4,10 @@
 #include "framework/Document.h"
 #include "storage/ColumnCache.h"
 #include "storage/WaveData.h"
+#include "waveedit/ClipRegistry.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace ek {
@@ -32,6 +34,10 @@ public:
     bool OpenFromStore(CWaveData& source);       ///< becomes a copy of a clip's sound
     bool NewFromBlock(const CSoundBlock& block); ///< becomes a new, modified sound
 
+    /// Links the document to the clip that it edits: Save then gives the sound back instead of writing a file.
+    void SetEditKey(const EditKey& key) { m_editKey = key; }
+    void ClearEditKey() { m_editKey.reset(); }
+
     bool IsReady() const { return m_ready; } ///< sound is present; views draw nothing otherwise
     uint64_t FrameCount() const { return m_store.FrameCount(); }
     const WAVEFORMATEXTENSIBLE& Format() const { return m_store.WorkingFormat(); }
@@ -51,11 +57,17 @@ public:
 
 private:
     bool SaveTo(const std::filesystem::path& path, bool useStoredSettings, bool* openAfter);
-    void ResetDisplay();
+    bool ReturnToClip();
+    /// Another sound has arrived: display state and column cache start afresh, and the views are told.
+    void OnNewSound();
+    void OnSave() { DoSave(); }
+    void OnSaveAs() { SaveAs(); }
+    void OnUpdateSave(CommandUi& ui) { ui.Enabled = m_ready; }
 
     CWaveData m_store;
     ColumnCache m_columns;
     bool m_ready = false;
+    std::optional<EditKey> m_editKey;
 };
 
 } // namespace ek

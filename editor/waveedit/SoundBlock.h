@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/MappedFile.h"
+#include "storage/SoundBuffer.h"
+
+#include <cstdint>
+#include <filesystem>
+
+namespace ek {
+
+/// A sound buffer in a memory-mapped temporary file of its own, which is deleted with it.
+class CSoundBlock : public SoundBuffer {
+public:
+    CSoundBlock() = default;
+    virtual ~CSoundBlock();
+    CSoundBlock(const CSoundBlock&) = delete;
+    CSoundBlock& operator=(const CSoundBlock&) = delete;
+
+    /// `frames` frames, copied from `initial` (the block is full then) or zeros when it is null. The disk space is
+    /// allocated at once. False: the block is empty.
+    bool Create(uint64_t frames, const WAVEFORMATEXTENSIBLE& format, const void* initial, ChannelCode code);
+    /// Takes over an existing file of raw frames, and with it the duty to delete it.
+    bool OpenFile(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& format);
+    void Free();
+
+    const std::filesystem::path& FileName() const { return m_file.Path(); }
+
+    /// The range of the document that the block belongs to: [start, end) frames.
+    void SetRange(uint64_t start, uint64_t end);
+    uint64_t RangeStart() const { return m_rangeStart; }
+    uint64_t RangeEnd() const { return m_rangeEnd; }
+
+private:
+    MappedFile m_file;
+    uint64_t m_rangeStart = 0;
+    uint64_t m_rangeEnd = 0;
+};
+
+} // namespace ek

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Batch.h"
+
+#include "framework/DocTemplate.h"
+
+#include <charconv>
+#include <map>
+
+namespace ek {
+
+namespace {
+
+constexpr uint32_t MaxRate = 768000;
+
+bool ParseNumber(const std::string& text, uint32_t minimum, uint32_t maximum, uint32_t& value)
+{
+    const char* end = text.data() + text.size();
+    const auto [stop, status] = std::from_chars(text.data(), end, value);
+    return status == std::errc() && stop == end && value >= minimum && value <= maximum;
+}
+
+bool ParseSettings(const std::vector<std::string>& words, size_t first, std::map<std::string, std::string>& settings)
+{
+    for (size_t i = first; i < words.size(); ++i) {
+        const size_t equals = words[i].find('=');
+        if (equals == 0 || equals == std::string::npos)
+            return false;
+        settings[words[i].substr(0, equals)] = words[i].substr(equals + 1);
+    }
+    return true;
+}
+
+std::string FormatName(const std::filesystem::path& path)
+{
+    StreamInfo info;
+    StreamProperties properties;
+    return !path.empty() && EkGetStreamInfo(path, info, properties) ? info.FormatName : "none";
+}
+
+} // namespace
+
+struct Batch::Verb {
+    const char* Name;
+    size_t MinimumWords; ///< the verb itself included
+    size_t MaximumWords;
+    const char* Usage;
+    Outcome (Batch::*Run)(const Words& words, std::string& error);
+};
+
+const Batch::Verb* Batch::FindVerb(const std::string& name)
+{
+    static constexpr size_t many = 100;
+    static const Verb verbs[] = {
+        {"open", 2, 2, "open PATH", &Batch::Open}, {"new", 3, 3, "new RATE CHANNELS", &Batch::New},
+        {"info", 1, 1, "info", &Batch::Info},      {"save", 1, many, "save [PATH [key=value ...]]", &Batch::Save},
+        {"close", 1, 1, "close", &Batch::Close},
+    };
+    for (const Verb& verb : verbs) {
+        if (name == verb.Name)
+            return &verb;
+    }
+    return nullptr;
+}
+
+Batch::Outcome Batch::Run(const ScriptCommand& command, std::string& error)
+{
+    const Verb* verb = FindVerb(command.Words[0]);
+    if (!verb) {
+        error = "unknown command \"" + command.Words[0] + "\"";
+        return Outcome::BadUsage;
+    }
+    if (command.Words.size() < verb->MinimumWords || command.Words.size() > verb->MaximumWords) {
+        error = std::string("usage: ") + verb->Usage;
+        return Outcome::BadUsage;
+    }
+    return (this->*verb->Run)(command.Words, error);
+}
+
+Batch::Outcome Batch::Fail(std::string& error, const std::string& fallback)
+{
+    error = m_prompts.TakeMessages();
+    if (error.empty())
+        error = fallback;
+    return Outcome::Failed;
+}
+
+CWEDoc* Batch::Current(std::string& error)
+{
+    if (m_documents.empty())
+        error = "no sound is open";
+    return m_documents.empty() ? nullptr : m_documents.back();
+}
+
+Batch::Outcome Batch::Open(const Words& words, std::string& error)
+{
+    auto* document = dynamic_cast<CWEDoc*>(m_app.OpenDocumentByName(std::filesystem::absolute(words[1])));
+    if (!document)
+        return Fail(error, "File \"" + words[1] + "\" could not be opened");
+    m_documents.push_back(document);
+    return Outcome::Done;
+}
+
+Batch::Outcome Batch::New(const Words& words, std::string& error)
+{
+    uint32_t rate = 0;
+    uint32_t channels = 0;
+    if (!ParseNumber(words[1], 1, MaxRate, rate) || !ParseNumber(words[2], 1, MaxChannels, channels)) {
+        error = "usage: new RATE CHANNELS (1 to 768000 Hz, 1 to 8 channels)";
+        return Outcome::BadUsage;
+    }
+    auto* document = dynamic_cast<CWEDoc*>(m_app.CreateDocument(m_app.WaveTemplateName(), {}));
+    if (!document || !document->SetFormat(MakePcm16Format(rate, channels), nullptr))
+        return Fail(error, "a new sound could not be made");
+    m_documents.push_back(document);
+    return Outcome::Done;
+}
+
+Batch::Outcome Batch::Info(const Words&, std::string& error)
+{
+    CWEDoc* document = Current(error);
+    if (!document)
+        return Outcome::Failed;
+    const WAVEFORMATEXTENSIBLE& source = document->Store().SourceFormat();
+    m_output << "path: " << document->Path().string() << "\n"
+             << "format: " << FormatName(document->Path()) << "\n"
+             << "rate: " << source.nSamplesPerSec << "\n"
+             << "channels: " << source.nChannels << "\n"
+             << "bits: " << source.wBitsPerSample << "\n"
+             << "frames: " << document->FrameCount() << "\n"
+             << "duration: " << document->FormatPosition(document->FrameCount()) << "\n"
+             << "modified: " << (document->IsModified() ? "yes" : "no") << "\n"
+             << std::flush;
+    return m_output ? Outcome::Done : Fail(error, "the output could not be written");
+}
+
+Batch::Outcome Batch::Save(const Words& words, std::string& error)
+{
+    CWEDoc* document = Current(error);
+    if (!document)
+        return Outcome::Failed;
+    if (words.size() == 1)
+        return document->DoSave() ? Outcome::Done : Fail(error, "the sound was not saved");
+    std::map<std::string, std::string> settings;
+    if (!ParseSettings(words, 2, settings)) {
+        error = "usage: save [PATH [key=value ...]]";
+        return Outcome::BadUsage;
+    }
+    m_prompts.PrepareSave(std::filesystem::absolute(words[1]), std::move(settings));
+    return document->SaveAs() ? Outcome::Done : Fail(error, "the sound was not saved");
+}
+
+Batch::Outcome Batch::Close(const Words&, std::string& error)
+{
+    CWEDoc* document = Current(error);
+    if (!document)
+        return Outcome::Failed;
+    if (!document->SaveModified())
+        return Fail(error, "the sound was not closed");
+    m_documents.pop_back();
+    document->Template()->CloseDocument(*document);
+    return Outcome::Done;
+}
+
+} // namespace ek
