@@ -59,10 +59,12 @@ private:
 };
 
 IoStatus RemoveFile(const std::filesystem::path& path);
-/// Puts `from` in the place of `to` in one step and makes that lasting (the folder is synced).
+/// Puts `from` in the place of `to` in one step and makes that lasting (the folder is synced). On failure both are as
+/// before; only an error of that sync comes when the new file is in place already.
 IoStatus RenameOver(const std::filesystem::path& from, const std::filesystem::path& to);
-IoStatus CopyFileTo(const std::filesystem::path& from, const std::filesystem::path& to); ///< overwrites `to`
-bool IsFile(const std::filesystem::path& path);                                          ///< exists and is not a folder
+/// Takes the place of `to`, with the mode of `from`. After a failure there is nothing at `to`.
+IoStatus CopyFileTo(const std::filesystem::path& from, const std::filesystem::path& to);
+bool IsFile(const std::filesystem::path& path);   ///< exists and is not a folder
 bool IsFolder(const std::filesystem::path& path); ///< one trailing separator is ignored
 
 /// Raises the soft limit of open files to the hard one. Call once at start-up.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 namespace ek {
@@ -13,14 +14,17 @@ public:
     virtual ~FileCalls() = default;
     virtual int Open(const char* path, int flags, mode_t mode);
     virtual int Close(int descriptor);
+    virtual int FStat(int descriptor, struct stat* status);
     virtual ssize_t PRead(int descriptor, void* buffer, size_t length, off_t position);
     virtual ssize_t PWrite(int descriptor, const void* data, size_t length, off_t position);
     virtual int FTruncate(int descriptor, off_t size);
     virtual int FAllocate(int descriptor, off_t size); ///< 0 or an error number, as posix_fallocate
     virtual int FSync(int descriptor);
+    virtual int StartWriteback(int descriptor, off_t position, off_t length); ///< as sync_file_range
     virtual int Rename(const char* from, const char* to);
     virtual int Unlink(const char* path);
     virtual void* MMap(size_t length, int descriptor);
+    virtual int MUnmap(void* address, size_t length);
     virtual ssize_t CopyRange(int from, int to, size_t length); ///< as copy_file_range at the current offsets
 };
 

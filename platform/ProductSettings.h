@@ -14,4 +14,8 @@ std::string GetProductSetting(std::string_view section, std::string_view key, st
 /// Stored at once; the status is that of the write.
 IoStatus SetProductSetting(std::string_view section, std::string_view key, std::string_view value);
 
+/// From now on this process starts from the defaults and stores nothing: for scripts, which must not depend on what a
+/// person chose last, nor change it.
+void KeepProductSettingsInMemory();
+
 } // namespace ek

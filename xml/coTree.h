@@ -4,7 +4,7 @@
 namespace ek {
 
 /// A node of an intrusive tree. A node owns its children: destroying it unlinks it from its parent and destroys
-/// every child. Children are heap objects.
+/// all nodes below it, each with its own children gone before it. Children are heap objects.
 class coTree {
 public:
     coTree() = default;
@@ -13,7 +13,7 @@ public:
     coTree& operator=(const coTree&) = delete;
 
     /// Takes ownership of `child`, out of its present parent if it has one, and puts it directly behind `after`
-    /// when that is one of the children, else at the end.
+    /// when that is one of the children, else at the end. `child` is not this node or one above it.
     void AddChild(coTree* child, coTree* after = nullptr);
     /// Gives the child back to the caller; nothing changes when it is not a child of this node.
     void RemoveChild(coTree* child);
@@ -24,6 +24,8 @@ public:
     coTree* LastChild() const { return m_lastChild; }
 
 private:
+    void LinkBehind(coTree* child, coTree* previous);
+
     coTree* m_firstChild = nullptr;
     coTree* m_nextSibling = nullptr;
     coTree* m_parent = nullptr;

@@ -18,6 +18,8 @@ class enXml : public coTree {
 public:
     using Attribute = std::pair<std::string, std::string>;
 
+    static constexpr int MaxDepth = 1000; ///< levels below the root that are read and written
+
     enXml() = default;
     explicit enXml(std::string_view name) : m_name(name) {}
 
@@ -37,11 +39,13 @@ public:
     bool GetAttributeInt(std::string_view name, int& value) const;
     void AddAttribute(std::string_view name, std::string_view value);
 
-    /// Reads the document element into this node. False when the file is missing, a folder or not well-formed;
-    /// the node then keeps what it held.
+    /// Reads the document element into this node: its name replaces the name, its attributes and children come behind
+    /// those that are here. False when the file is missing, a folder, not well-formed or nested too deep; the node
+    /// then keeps what it held.
     bool LoadFromFile(const std::filesystem::path& path);
-    /// UTF-16 little-endian with byte-order mark, one tab a level, CR LF line ends. Written beside the target,
-    /// synced and renamed over it; false when any of that fails, and the old file stays.
+    /// UTF-16 little-endian with byte-order mark, one tab a level, CR LF line ends; nameless nodes are left out.
+    /// Written beside the target, synced and renamed over it; false when any of that fails or the tree is nested too
+    /// deep (or this node has no name), and the old file stays.
     bool SaveToFile(const std::filesystem::path& path) const;
 
 private:

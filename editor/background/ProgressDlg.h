@@ -36,9 +36,10 @@ public:
     const std::string& Caption() const { return m_caption; }
     bool IsCancellable() const { return m_cancellable; }
     void Cancel(); ///< sets the flag when the work can be cancelled; the worker decides when to stop
-    bool HasResult() const { return m_ended.IsSet(); }
-    WorkResult WaitResult(); ///< blocks until Finish
-    void End();              ///< the dialog is down
+    bool HasResult() const { return m_ended.IsSet(); } ///< true from before the notification on
+    /// Blocks until the worker has left Finish, so a notification never comes after it.
+    WorkResult WaitResult();
+    void End(); ///< the dialog is down
 
 private:
     std::atomic<uint32_t> m_position = 0;
@@ -49,6 +50,7 @@ private:
     std::function<void()> m_notify;
     ManualResetEvent m_started;
     ManualResetEvent m_ended;    // the worker has called Finish
+    ManualResetEvent m_left;     // the worker has returned from it
     ManualResetEvent m_finished; // the dialog has ended
 };
 

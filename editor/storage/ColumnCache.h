@@ -36,6 +36,17 @@ public:
                     uint64_t dataOffset);
 
 private:
+    struct Range; // the columns that a refresh is to show
+    bool MakeCapacity(uint64_t columns);
+    void BuildFromPeaks(const PeakCache& peaks, uint64_t frames, const Range& range);
+    void BuildFromSamples(CWaveData& store, const Range& range);
+    uint64_t KeepColumns(const Range& range, uint64_t& firstKept);
+    void ReadColumns(CWaveData& store, const Range& range, uint64_t firstColumn, uint64_t endColumn);
+    void EnterColumns(const int16_t* samples, uint64_t frames, uint64_t framesPerColumn, uint64_t column);
+    void QueryEntries(const PeakCache& peaks, uint64_t frames, uint64_t firstFrame, uint32_t framesPerPoint,
+                      uint64_t points);
+    void QuerySamples(CWaveData& store, uint64_t firstFrame, uint32_t framesPerPoint, uint64_t points);
+
     uint32_t m_channels = 0;
     uint32_t m_columns = 0;
     uint64_t m_firstColumn = 0;

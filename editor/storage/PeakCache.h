@@ -2,6 +2,7 @@
 #pragma once
 
 #include "servicefuncs/Channels.h"
+#include "storage/PeakKernel.h"
 
 #include <array>
 #include <cstdint>
@@ -9,12 +10,6 @@
 #include <vector>
 
 namespace ek {
-
-struct PeakPair {
-    int16_t Min = 0;
-    int16_t Max = 0;
-    bool operator==(const PeakPair&) const = default;
-};
 
 /// For every channel and every block of 256 frames the smallest and the largest sample value; on top of it one
 /// coarser level, so that a view of ten hours costs no more than a view of ten minutes.
@@ -25,6 +20,7 @@ public:
 
     void Alloc(uint64_t frames, uint32_t channels); ///< (frames / 256) + 1 entries a channel; empties when either is 0
     void Grow(uint64_t frames);                     ///< keeps the entries; never shrinks
+    void Trim(uint64_t frames);                     ///< keeps the entries of that many frames; empties for 0
     void Free();
     bool IsEmpty() const { return m_channels == 0; }
     uint32_t ChannelCount() const { return m_channels; }
@@ -32,9 +28,10 @@ public:
 
     std::span<const PeakPair> Entries(uint32_t channel) const { return m_entries[channel]; }
 
-    /// Enters the extremes of a run of interleaved frames for one channel or (ChannelAll) all of them. A block
+    /// Enters the extremes of a run of interleaved frames for one channel or (AllChannels) all of them. A block
     /// that begins in the run is overwritten, one that began before is combined with what stands there; so runs
-    /// are given in order, the first from a multiple of 256 on.
+    /// are given in order, the first from a multiple of 256 on. Runs in different blocks may be entered by
+    /// different threads at once.
     void Enter(const int16_t* frames, uint64_t firstFrame, uint64_t count, uint32_t onlyChannel = AllChannels);
     /// After Enter calls: brings the coarse level up to date from the block of `firstFrame` to the end or `endFrame`.
     void FinishCoarse(uint64_t firstFrame, uint64_t endFrame);
@@ -45,6 +42,9 @@ public:
     static constexpr uint32_t AllChannels = 0xFFFFFFFF;
 
 private:
+    void Resize(uint64_t frames);
+    void EnterBlock(const int16_t* frames, uint64_t block, uint64_t count, bool combine, uint32_t onlyChannel);
+
     uint32_t m_channels = 0;
     std::array<std::vector<PeakPair>, MaxChannels> m_entries;
     std::array<std::vector<PeakPair>, MaxChannels> m_coarse;

@@ -2,28 +2,19 @@
 #pragma once
 
 #include "background/WaveDataProcessor.h"
-#include "ekdatapr/EkDataPr.h"
 #include "platform/File.h"
+#include "storage/PageCache.h"
 #include "storage/PeakCache.h"
 #include "storage/SoundBuffer.h"
+#include "storage/SoundRecord.h"
+#include "storage/TempFileList.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <list>
-#include <memory>
 #include <string>
-#include <vector>
 
 namespace ek {
-
-/// One temporary file of a store: it holds the stream bytes [Start, Start + Length) from its beginning on. The
-/// file may be longer; the rest is not part of the stream.
-struct TempFileEntry {
-    uint64_t Start = 0;
-    uint64_t Length = 0;
-    std::filesystem::path Name;
-    File Handle;
-};
 
 /// The paged sample store of one sound: interleaved 16-bit frames in a list of hidden temporary files behind a
 /// cache of ten pages. Offsets and lengths are bytes of the stream unless a name says frames; ranges are
@@ -33,8 +24,8 @@ struct TempFileEntry {
 /// other operations run only while no other thread uses the store.
 class CWaveData final : public FrameSource {
 public:
-    static constexpr uint32_t PageSize = 1720320; ///< a multiple of every 16-bit frame size of 1 to 8 channels
-    static constexpr uint32_t ResidentPageLimit = 10;
+    static constexpr uint32_t PageSize = PageCache::PageSize; ///< a multiple of 256 frames of 1 to 8 channels
+    static constexpr uint32_t ResidentPageLimit = PageCache::ResidentPageLimit;
 
     CWaveData();
     ~CWaveData(); ///< deletes the temporary files
@@ -42,14 +33,14 @@ public:
     CWaveData& operator=(const CWaveData&) = delete;
 
     // What it holds.
-    const WAVEFORMATEXTENSIBLE& SourceFormat() const { return m_sourceFormat; }
-    const WAVEFORMATEXTENSIBLE& WorkingFormat() const { return m_workingFormat; }
-    const StreamProperties& StreamProps() const { return m_streamProps; }
-    uint64_t FrameCount() const { return m_frameCount; }
-    uint64_t ByteLength() const { return m_frameCount * m_workingFormat.nBlockAlign; }
-    uint32_t BlockAlign() const override { return m_workingFormat.nBlockAlign; }
+    const WAVEFORMATEXTENSIBLE& SourceFormat() const { return m_record.SourceFormat; }
+    const WAVEFORMATEXTENSIBLE& WorkingFormat() const { return m_record.WorkingFormat; }
+    const StreamProperties& StreamProps() const { return m_record.StreamProps; }
+    uint64_t FrameCount() const { return m_record.FrameCount; }
+    uint64_t ByteLength() const { return m_record.ByteLength(); }
+    uint32_t BlockAlign() const override { return m_record.WorkingFormat.nBlockAlign; }
     const std::filesystem::path& Path() const { return m_path; }
-    const std::list<TempFileEntry>& TempFiles() const { return m_tempFiles; }
+    const std::list<TempFileEntry>& TempFiles() const { return m_files.Entries(); }
     const PeakCache& Peaks() const { return m_peaks; }
 
     // Bytes. A range beyond the stream is an error; the part before it is done.
@@ -108,7 +99,21 @@ public:
                          bool cancellable, const std::string& caption);
 
 private:
-    // The implementer of the room fills in the private part.
+    template <class Copy>
+    bool ForEachPage(uint64_t offset, uint64_t length, bool toChange, Copy copy);
+    bool Import(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& wanted, const char* captionFormat);
+    bool ReadRecord(File& file, uint64_t& position);
+    bool ReadBytes(File& file, uint64_t& position);
+    bool ComputePeaks(uint64_t start, uint64_t end, uint32_t onlyChannel);
+    bool MakeRoomFor(uint64_t start, uint64_t end, uint64_t newLength, ChannelCode code);
+    bool EditsOneChannel(ChannelCode code) const;
+    void Log(int level, const char* format) const;
+
+    SoundRecord m_record;
+    TempFileList m_files;
+    PageCache m_pages{m_files};
+    PeakCache m_peaks;
+    std::filesystem::path m_path;
 };
 
 } // namespace ek

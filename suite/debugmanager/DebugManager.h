@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdarg>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -34,7 +35,7 @@ public:
 private:
     void Write(const char* source, int level, const char* format, va_list arguments);
     struct Impl;
-    Impl* m_impl;
+    std::unique_ptr<Impl> m_impl;
 };
 
 /// The one log of the process.

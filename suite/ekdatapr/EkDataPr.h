@@ -48,6 +48,8 @@ DecoderHandle EkOpenFile(const std::filesystem::path& path, WAVEFORMATEXTENSIBLE
 /// Frames delivered from `firstFrame` on; fewer than asked ends the stream, whatever length was promised. Never
 /// writes beyond `bufferBytes`.
 uint64_t EkGetFileData(DecoderHandle decoder, uint64_t firstFrame, uint64_t frames, void* buffer, uint64_t bufferBytes);
+/// True when a call on the file failed, so that the sound may go on where a short read ended it.
+bool EkDecoderFailed(DecoderHandle decoder);
 void EkCloseFile(DecoderHandle decoder);
 
 /// A new file at `target`, which must not exist yet, of the type that its extension (or, with `properties`, the
@@ -76,10 +78,10 @@ struct CoderOption {
         std::string Value;
         std::string Label;
     };
-    std::vector<Choice> Choices; ///< empty: a number from Minimum to Maximum
+    std::vector<Choice> Choices{}; ///< empty: a number from Minimum to Maximum
     double Minimum = 0;
     double Maximum = 0;
-    std::string Value; ///< as it is set now
+    std::string Value{}; ///< as it is set now
 };
 
 /// The options of the coder for an extension (without dot, any case), with the values in force. Empty when there is no

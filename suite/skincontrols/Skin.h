@@ -5,6 +5,7 @@
 
 #include <QColor>
 #include <QIcon>
+#include <QPalette>
 #include <QString>
 
 namespace ek {
@@ -15,6 +16,9 @@ void SetCurrentSkin(CHostSkin* skin);
 CHostSkin* CurrentSkin();
 
 QColor SkinColorOf(uint32_t colorId);
+
+/// A palette of the skin's system colours, for standard widgets.
+QPalette SkinPalette();
 
 /// An icon from an SVG whose strokes and fills say currentColor: drawn in `color`, and paler when disabled, sharp at
 /// every display scale. An empty icon when the file cannot be read.

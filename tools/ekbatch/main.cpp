@@ -2,6 +2,7 @@
 #include "Batch.h"
 #include "Interruption.h"
 #include "platform/File.h"
+#include "platform/ProductSettings.h"
 
 #include <CLI/CLI.hpp>
 
@@ -85,6 +86,7 @@ int main(int argc, char** argv)
 
     ek::CatchInterruptions();
     ek::RaiseOpenFileLimit();
+    ek::KeepProductSettingsInMemory();
     std::vector<ek::ScriptCommand> commands;
     const int collected = Collect(options, commands);
     return collected == ExitDone ? RunAll(commands) : collected;

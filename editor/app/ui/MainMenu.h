@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "framework/ui/CommandActions.h"
+
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+namespace ek {
+
+/// The menu that the host shows in its menu bar: one submenu a top-level entry.
+class MainMenu {
+public:
+    explicit MainMenu(CommandRouter& router);
+
+    QMenu* Menu() const { return m_menu.get(); }
+    void SetRecentFiles(const std::vector<std::filesystem::path>& paths); ///< at the end of the first submenu
+
+private:
+    std::unique_ptr<QMenu> m_menu;
+    CommandMenu* m_fileMenu = nullptr;
+};
+
+} // namespace ek

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "ek/Module.h"
+
+namespace ek {
+
+/// The key table of the main frame (1008). It is never translated into another language.
+const AcceleratorTable& MainAccelerators();
+
+} // namespace ek

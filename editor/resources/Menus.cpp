@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "resources/Menus.h"
+
+#include "resources/CommandIds.h"
+
+namespace ek {
+
+namespace {
+
+constexpr MenuItem Separator;
+
+template <uint32_t Count>
+constexpr MenuItem Submenu(const char* text, const MenuItem (&items)[Count])
+{
+    return {0, text, items, Count};
+}
+
+constexpr MenuItem FileMenu[] = {
+    {ID_FILE_NEW, "New\tCtrl+N"},
+    {ID_FILE_OPEN, "Open\tCtrl+O"},
+    {ID_FILE_SAVE, "Save\tCtrl+S"},
+    {ID_FILE_SAVE_AS, "Save As..."},
+    Separator,
+};
+
+constexpr MenuItem EditMenu[] = {
+    {ID_EDIT_UNDO, "Undo\tCtrl+Z"},
+    {ID_EDIT_REDO, "Redo\tCtrl+Y"},
+    Separator,
+    {ID_EDIT_CUT, "Cut\tCtrl+X"},
+    {ID_EDIT_COPY, "Copy\tCtrl+C"},
+    {ID_EDIT_PASTE, "Paste\tCtrl+V"},
+    {ID_DELETE, "Delete\tDel"},
+    Separator,
+    {ID_SELECT_ALL, "Select All\tCtrl+A"},
+};
+
+constexpr MenuItem ViewMenu[] = {
+    {ID_EFFECTS_LIBRARY, "Effects Library"},
+};
+
+constexpr MenuItem MorphMenu[] = {
+    {0, "none"},
+};
+
+constexpr MenuItem WindowMenu[] = {
+    {ID_WINDOW_CASCADE, "Cascade"},
+    {ID_WINDOW_TILE_HORIZONTALLY, "Tile Horizontally"},
+    {ID_WINDOW_TILE_VERTICALLY, "Tile Vertically"},
+};
+
+constexpr MenuItem MainMenu[] = {
+    Submenu("File", FileMenu),   Submenu("Edit", EditMenu),     Submenu("View", ViewMenu),
+    Submenu("Morph", MorphMenu), Submenu("Window", WindowMenu),
+};
+
+constexpr MenuItem ZoomRatioMenu[] = {
+    {1131, "1 : 524288"}, {1130, "1 : 262144"}, {1129, "1 : 131072"}, {1128, "1 : 65536"}, {1127, "1 : 32768"},
+    {1126, "1 : 16384"},  {1125, "1 : 8192"},   {1124, "1 : 4096"},   {1123, "1 : 2048"},  {1122, "1 : 1024"},
+    {1121, "1 : 512"},    {1120, "1 : 256"},    {1119, "1 : 128"},    {1118, "1 : 64"},    {1117, "1 : 32"},
+    {1116, "1 : 16"},     {1115, "1 : 8"},      {1114, "1 : 4"},      {1113, "1 : 2"},     {1112, "1 : 1"},
+};
+
+constexpr MenuItem AmplitudeMenu[] = {
+    {ID_CENTER_VIEW, "Center View"},
+    {ID_ZOOM_IN_VERTICAL, "Zoom In"},
+    {ID_ZOOM_OUT_VERTICAL, "Zoom Out"},
+    {ID_SCALE_FULL, "Zoom Out Full"},
+};
+
+constexpr uint32_t MainToolBar[] = {
+    ID_FILE_OPEN, ID_FILE_NEW,   ID_NEW_MULTITRACK, ID_CLOSE_WINDOW, ID_FILE_SAVE,     0,
+    ID_EDIT_CUT,  ID_EDIT_COPY,  ID_EDIT_PASTE,     ID_PASTE_MIX,    0,                ID_EDIT_UNDO,
+    ID_EDIT_REDO, 0,             ID_ZOOM_IN,        ID_ZOOM_OUT,     ID_ZOOM_FULL,     ID_FIT_SELECTION,
+    ID_ZOOM_IN_VERTICAL, ID_ZOOM_OUT_VERTICAL, ID_SCALE_IN, ID_SCALE_OUT,
+};
+
+} // namespace
+
+std::span<const MenuItem> LoadMenu(uint32_t menuId)
+{
+    switch (menuId) {
+    case MENU_MAIN:
+        return MainMenu;
+    case MENU_ZOOM_RATIO:
+        return ZoomRatioMenu;
+    case MENU_AMPLITUDE:
+        return AmplitudeMenu;
+    default:
+        return {};
+    }
+}
+
+std::span<const uint32_t> LoadToolBar(uint32_t toolBarId)
+{
+    return toolBarId == TOOLBAR_MAIN ? std::span<const uint32_t>(MainToolBar) : std::span<const uint32_t>();
+}
+
+} // namespace ek

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "background/ProgressDlg.h"
+#include "storage/SoundRecord.h"
+#include "storage/TempFileList.h"
+
+#include <filesystem>
+#include <string>
+
+namespace ek {
+
+/// Writes the sound of a store to an audio file: into a new file beside the target, which then takes its place.
+/// User-interface thread.
+class Exporter {
+public:
+    /// The files hold the whole sound; they do not change meanwhile.
+    Exporter(const SoundRecord& record, TempFileList& files, const std::filesystem::path& target);
+    ~Exporter();
+    Exporter(const Exporter&) = delete;
+    Exporter& operator=(const Exporter&) = delete;
+
+    /// False: failed (the user was told) or cancelled; nothing has changed on the disk then.
+    bool Save(bool useStoredSettings, bool* openAfter);
+    void ReportFailure() const;
+
+    /// The file that is replaced: the target, or where it leads when it is a link.
+    const std::filesystem::path& FinalTarget() const { return m_target; }
+
+private:
+    bool ChooseSettings() const;
+    bool LayoutFits() const;
+    void SuggestLayout() const;
+    bool MayReplaceTarget() const;
+    bool CreateCoder(bool useStoredSettings);
+    bool CloseCoder();
+    WorkResult WriteFrames();
+    void KeepPermissions() const;
+    void Discard() const;
+
+    const SoundRecord& m_record;
+    TempFileList& m_files;
+    const std::filesystem::path m_target;
+    const std::string m_fileName;
+    const std::string m_suffix;    ///< of the name that the user gave: the extension with its dot
+    const std::string m_extension; ///< the same without it
+    std::filesystem::path m_written;
+    CoderHandle m_coder = 0;
+    uint8_t m_openAfter = 0;
+};
+
+} // namespace ek

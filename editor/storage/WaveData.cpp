@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/WaveData.h"
+
+#include "debugmanager/DebugManager.h"
+#include "platform/Text.h"
+#include "servicefuncs/MessageBox.h"
+#include "storage/Exporter.h"
+#include "storage/Importer.h"
+#include "storage/PeakBuilder.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+#include <mutex>
+
+namespace ek {
+
+namespace {
+
+/// One lock for the pages of all stores.
+std::mutex& StoreLock()
+{
+    static std::mutex lock;
+    return lock;
+}
+
+uint64_t RoundUp(uint64_t frames)
+{
+    return (frames + PeakCache::BlockFrames - 1) / PeakCache::BlockFrames * PeakCache::BlockFrames;
+}
+
+} // namespace
+
+CWaveData::CWaveData() = default;
+
+CWaveData::~CWaveData()
+{
+    Close();
+}
+
+void CWaveData::Log(int level, const char* format) const
+{
+    enDebugManager().WriteLogMessage(ModuleName, level, format, m_path.string().c_str());
+}
+
+/// Calls copy(place in the page, bytes done before, bytes) for every page of the range under the lock.
+template <class Copy>
+bool CWaveData::ForEachPage(uint64_t offset, uint64_t length, bool toChange, Copy copy)
+{
+    const std::lock_guard lock(StoreLock());
+    const uint64_t available = offset < ByteLength() ? ByteLength() - offset : 0;
+    const uint64_t end = offset + std::min(length, available);
+    for (uint64_t position = offset; position < end;) {
+        uint8_t* page = m_pages.Page(position / PageSize, toChange);
+        if (!page)
+            return false;
+        const uint64_t inPage = position % PageSize;
+        const uint64_t part = std::min(PageSize - inPage, end - position);
+        copy(page + inPage, position - offset, part);
+        position += part;
+    }
+    if (length > available)
+        enDebugManager().WriteLogMessage(ModuleName, LogError,
+                                         "Error! Trying to %s data beyond the limit of data pages!. Position: %I64x",
+                                         toChange ? "write" : "read", offset);
+    return length <= available;
+}
+
+bool CWaveData::ReadData(void* buffer, uint64_t offset, uint64_t length)
+{
+    auto* bytes = static_cast<uint8_t*>(buffer);
+    return ForEachPage(offset, length, false, [bytes](const uint8_t* place, uint64_t done, uint64_t part) {
+        std::memcpy(bytes + done, place, part);
+    });
+}
+
+bool CWaveData::WriteData(const void* data, uint64_t offset, uint64_t length)
+{
+    const auto* bytes = static_cast<const uint8_t*>(data);
+    return ForEachPage(offset, length, true, [bytes](uint8_t* place, uint64_t done, uint64_t part) {
+        std::memcpy(place, bytes + done, part);
+    });
+}
+
+int16_t CWaveData::SampleAt(uint64_t valueIndex)
+{
+    int16_t value = 0;
+    if (valueIndex < ByteLength() / sizeof value)
+        ReadData(&value, valueIndex * sizeof value, sizeof value);
+    return value;
+}
+
+bool CWaveData::InsertSpace(uint64_t a, uint64_t b, uint64_t length)
+{
+    if (!FlushPages() || !m_files.InsertSpace(a, b, length))
+        return false;
+    m_record.FrameCount += length / BlockAlign();
+    ResetPages();
+    return true;
+}
+
+bool CWaveData::RemoveData(uint64_t from, uint64_t to)
+{
+    if (!FlushPages() || !m_files.Remove(from, to))
+        return false;
+    if (to > from)
+        m_record.FrameCount -= (to - from) / BlockAlign();
+    ResetPages();
+    return true;
+}
+
+bool CWaveData::CopyFrom(CWaveData& source)
+{
+    assert(&source != this);
+    Close();
+    if (!source.FlushPages() || !m_files.CopyFrom(source.m_files))
+        return false;
+    m_record = source.m_record;
+    ResetPages();
+    if (source.m_peaks.IsEmpty())
+        return BuildPeakCache();
+    m_peaks = source.m_peaks;
+    return true;
+}
+
+bool CWaveData::SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties)
+{
+    m_record.SourceFormat = format;
+    m_record.WorkingFormat = format;
+    if (format.wBitsPerSample == 8) {
+        m_record.WorkingFormat.wBitsPerSample = 16;
+        m_record.WorkingFormat.nBlockAlign *= 2;
+        m_record.WorkingFormat.nAvgBytesPerSec *= 2;
+    }
+    m_record.StreamProps = properties ? *properties : StreamProperties();
+    return true;
+}
+
+bool CWaveData::FlushPages()
+{
+    return m_pages.Flush();
+}
+
+void CWaveData::ResetPages()
+{
+    m_pages.Reset();
+}
+
+void CWaveData::Close()
+{
+    m_files.Clear();
+    m_pages.Reset();
+    m_peaks.Free();
+    m_record = {};
+    m_path.clear();
+}
+
+/// `end` is a multiple of 256 or the end of the sound.
+bool CWaveData::ComputePeaks(uint64_t start, uint64_t end, uint32_t onlyChannel)
+{
+    if (start >= end)
+        return true;
+    return FlushPages() && PeakBuilder(m_files, BlockAlign(), m_peaks, onlyChannel).Run(start, end);
+}
+
+bool CWaveData::BuildPeakCache()
+{
+    Log(LogInformation, "Creating cache256 for file \"%s\".");
+    m_peaks.Alloc(FrameCount(), WorkingFormat().nChannels);
+    return ComputePeaks(0, FrameCount(), PeakCache::AllChannels);
+}
+
+bool CWaveData::RebuildPeakCachePart(uint64_t startFrame, uint64_t oldLength, uint64_t newLength, ChannelCode code)
+{
+    Log(LogInformation, "Creating part of cache256 for file \"%s\".");
+    const bool oneChannel = code != ChannelAll;
+    const uint32_t position = oneChannel ? GetIndexByChannel(WorkingFormat(), code) : PeakCache::AllChannels;
+    if (oneChannel && position >= WorkingFormat().nChannels)
+        return true;
+    const uint64_t start = startFrame / PeakCache::BlockFrames * PeakCache::BlockFrames;
+    if (m_peaks.IsEmpty()) {
+        m_peaks.Alloc(FrameCount(), WorkingFormat().nChannels);
+        return ComputePeaks(0, FrameCount(), PeakCache::AllChannels);
+    }
+    if (oldLength == newLength)
+        return ComputePeaks(start, std::min(RoundUp(startFrame + newLength), FrameCount()), position);
+    m_peaks.Grow(FrameCount());
+    return ComputePeaks(start, FrameCount(), position);
+}
+
+bool CWaveData::Import(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& wanted, const char* captionFormat)
+{
+    if (!IsFile(path)) {
+        enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: File \"%s\" does not exist!",
+                                         path.string().c_str());
+        return false;
+    }
+    Close();
+    m_path = path;
+    const std::string fileName = path.filename().string();
+    Importer importer(path, wanted, m_record, m_files, m_peaks);
+    const WorkResult result = RunInBackground(Format(captionFormat, fileName.c_str()), true,
+                                              [&](CProgressDlg& progress) { return importer.Run(progress); });
+    if (result == WorkResult::Failed) {
+        AfxSCMessageBox(Format("Can't open file %s", fileName.c_str()), MessageButtons::Ok, MessageIcon::Error);
+        Close();
+        return false;
+    }
+    ResetPages();
+    Log(LogInformation, "Creating cache256 for file \"%s\".");
+    m_peaks.FinishCoarse(0, FrameCount());
+    return result == WorkResult::Finished;
+}
+
+bool CWaveData::OpenFile(const std::filesystem::path& path)
+{
+    return Import(path, {}, "Opening: %s");
+}
+
+bool CWaveData::OpenFileAs(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& wanted)
+{
+    return Import(path, wanted, "Opening/Resampling %s");
+}
+
+bool CWaveData::SaveFile(const std::filesystem::path& target, bool useStoredSettings, bool* openAfter)
+{
+    Exporter exporter(m_record, m_files, target);
+    if (!FlushPages()) {
+        exporter.ReportFailure();
+        return false;
+    }
+    StreamInfo info;
+    StreamProperties properties;
+    if (!exporter.Save(useStoredSettings, openAfter) || !EkGetStreamInfo(exporter.FinalTarget(), info, properties))
+        return false;
+    m_record.StreamProps = properties;
+    return true;
+}
+
+} // namespace ek

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "storage/EditProcessors.h"
+#include "storage/WaveData.h"
+
+#include <algorithm>
+
+namespace ek {
+
+bool CWaveData::EditsOneChannel(ChannelCode code) const
+{
+    return code != ChannelAll && WorkingFormat().nChannels > 1;
+}
+
+WorkResult CWaveData::ExchangeFrames(SoundBuffer& block, uint64_t start, uint64_t count, ChannelCode code,
+                                     Direction direction, const std::string& caption, bool cancellable)
+{
+    const EditRange range{start, count, code, caption, cancellable};
+    return CXchgWaveDataProgress(*this, range, block, direction == Direction::BlockToStore).Run();
+}
+
+bool CWaveData::ClearFrames(uint64_t start, uint64_t count, ChannelCode code, const std::string& caption,
+                            bool cancellable, SoundBuffer* undo)
+{
+    const EditRange range{start, count, code, caption, cancellable};
+    return CClearWaveDataProgress(*this, range, undo).Run() != WorkResult::Failed;
+}
+
+bool CWaveData::DeleteFrames(uint64_t start, uint64_t end, ChannelCode code, const std::string& caption,
+                             SoundBuffer* undo)
+{
+    const uint64_t length = end - start;
+    if (EditsOneChannel(code)) {
+        const bool cleared = ClearFrames(start, length, code, caption, false, undo);
+        return RebuildPeakCachePart(start, length, length, code) && cleared;
+    }
+    return RemoveData(start * BlockAlign(), end * BlockAlign()) && RebuildPeakCachePart(start, length, 0, ChannelAll);
+}
+
+/// Turns the frames [start, end) into `newLength` frames, whose content is the caller's.
+bool CWaveData::MakeRoomFor(uint64_t start, uint64_t end, uint64_t newLength, ChannelCode code)
+{
+    const uint64_t blockAlign = BlockAlign();
+    const uint64_t oldLength = end - start;
+    if (newLength < oldLength)
+        return RemoveData(start * blockAlign, (end - newLength) * blockAlign);
+    if (newLength == oldLength)
+        return true;
+    // Where the other channels keep their frames, the room must lie exactly behind them.
+    const uint64_t earliest = EditsOneChannel(code) ? end : start;
+    return InsertSpace(earliest * blockAlign, end * blockAlign, (newLength - oldLength) * blockAlign);
+}
+
+WorkResult CWaveData::ReplaceFrames(uint64_t start, uint64_t& end, const SoundBuffer& block, ChannelCode code,
+                                    bool cancellable, const std::string& caption)
+{
+    const uint64_t oldLength = end - start;
+    const uint64_t length = EditsOneChannel(code) ? std::max(block.FrameCount, oldLength) : block.FrameCount;
+    if (!MakeRoomFor(start, end, length, code) || !FlushPages())
+        return WorkResult::Failed;
+    const EditRange range{start, length, code, caption, cancellable};
+    WorkResult result = CSubstituteWaveDataProgress(*this, range, block, oldLength).Run();
+    end = start + length;
+    if (!FlushPages() || (result == WorkResult::Finished && !BuildPeakCache()))
+        result = WorkResult::Failed;
+    return result;
+}
+
+WorkResult CWaveData::MixFrames(SoundBuffer* undo, uint64_t start, const SoundBuffer& block, ChannelCode code,
+                                bool cancellable, const std::string& caption)
+{
+    const uint64_t oldEnd = FrameCount();
+    const uint64_t length = block.FrameCount;
+    const uint64_t mixed = std::min(oldEnd - start, length);
+    const bool grows = length > mixed;
+    if (grows && !InsertSpace(ByteLength(), ByteLength(), (length - mixed) * BlockAlign()))
+        return WorkResult::Failed;
+    const EditRange range{start, length, code, caption, cancellable};
+    const WorkResult result = CMixWaveDataProgress(*this, range, block, oldEnd, undo).Run();
+    if (result == WorkResult::Finished && !RebuildPeakCachePart(start, mixed, length, grows ? ChannelAll : code))
+        return WorkResult::Failed;
+    return result;
+}
+
+} // namespace ek

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "resources/CommandIds.h"
+#include "waveview/ui/WEView.h"
+
+#include <QToolButton>
+
+namespace ek {
+
+std::span<const CommandEntry> CWEView::CommandTable() const
+{
+    static constexpr CommandEntry Table[] = {
+        Command<CWEView, &CWEView::OnZoomIn, &CWEView::OnUpdateZoomIn>(ID_ZOOM_IN),
+        Command<CWEView, &CWEView::OnZoomOut, &CWEView::OnUpdateZoomOut>(ID_ZOOM_OUT),
+        Command<CWEView, &CWEView::OnZoomFull, &CWEView::OnUpdateZoomOut>(ID_ZOOM_FULL),
+        Command<CWEView, &CWEView::OnFitSelection, &CWEView::OnUpdateFitSelection>(ID_FIT_SELECTION),
+        CommandRange<CWEView, &CWEView::OnZoomRatio>(ID_ZOOM_RATIO_FIRST, ID_ZOOM_RATIO_LAST),
+        Command<CWEView, &CWEView::OnZoomInVertical, &CWEView::OnUpdateZoomInVertical>(ID_ZOOM_IN_VERTICAL),
+        Command<CWEView, &CWEView::OnZoomOutVertical, &CWEView::OnUpdateZoomOutVertical>(ID_ZOOM_OUT_VERTICAL),
+        Command<CWEView, &CWEView::OnScaleIn, &CWEView::OnUpdateScaleIn>(ID_SCALE_IN),
+        Command<CWEView, &CWEView::OnScaleOut, &CWEView::OnUpdateScaleOut>(ID_SCALE_OUT),
+        Command<CWEView, &CWEView::OnCenterView>(ID_CENTER_VIEW),
+        Command<CWEView, &CWEView::OnScaleFull>(ID_SCALE_FULL),
+        Command<CWEView, &CWEView::OnOverview, &CWEView::OnUpdateOverview>(ID_OVERVIEW),
+    };
+    return Table;
+}
+
+void CWEView::OnZoomIn()
+{
+    m_geometry.ZoomBySteps(-1, std::nullopt);
+    ApplyZoom();
+}
+
+void CWEView::OnUpdateZoomIn(CommandUi& ui)
+{
+    ui.Enabled = m_geometry.CanZoomIn();
+}
+
+void CWEView::OnZoomOut()
+{
+    m_geometry.ZoomBySteps(1, std::nullopt);
+    ApplyZoom();
+}
+
+void CWEView::OnUpdateZoomOut(CommandUi& ui)
+{
+    ui.Enabled = m_geometry.CanZoomOut();
+}
+
+void CWEView::OnZoomFull()
+{
+    ShowWholeSound();
+}
+
+void CWEView::OnFitSelection()
+{
+    m_geometry.FitSelection();
+    ApplyZoom();
+}
+
+void CWEView::OnUpdateFitSelection(CommandUi& ui)
+{
+    ui.Enabled = m_geometry.HasSelection();
+}
+
+void CWEView::OnZoomRatio(uint32_t id)
+{
+    m_geometry.SetZoomRatio(uint32_t{1} << (id - ID_ZOOM_RATIO_FIRST));
+    ApplyZoom();
+}
+
+void CWEView::OnZoomInVertical()
+{
+    ApplyLanes(VisibleLanes().ZoomedIn());
+}
+
+void CWEView::OnUpdateZoomInVertical(CommandUi& ui)
+{
+    ui.Enabled = WaveDocument().VisibleChannelCount > 1;
+}
+
+void CWEView::OnZoomOutVertical()
+{
+    ApplyLanes(VisibleLanes().ZoomedOut(WaveDocument().ChannelCount()));
+}
+
+void CWEView::OnUpdateZoomOutVertical(CommandUi& ui)
+{
+    ui.Enabled = WaveDocument().VisibleChannelCount < WaveDocument().ChannelCount();
+}
+
+void CWEView::OnScaleIn()
+{
+    ApplyAmplitudeScale(ScaledIn(WaveDocument().AmplitudeScale));
+}
+
+void CWEView::OnUpdateScaleIn(CommandUi& ui)
+{
+    ui.Enabled = WaveDocument().AmplitudeScale > SmallestAmplitudeScale;
+}
+
+void CWEView::OnScaleOut()
+{
+    ApplyAmplitudeScale(ScaledOut(WaveDocument().AmplitudeScale));
+}
+
+void CWEView::OnUpdateScaleOut(CommandUi& ui)
+{
+    ui.Enabled = WaveDocument().AmplitudeScale < LargestAmplitudeScale;
+}
+
+void CWEView::OnScaleFull()
+{
+    m_amplitude.Center();
+    ApplyAmplitudeScale(LargestAmplitudeScale);
+}
+
+void CWEView::OnCenterView()
+{
+    m_amplitude.Center();
+    ApplyAmplitudeScale(WaveDocument().AmplitudeScale);
+}
+
+void CWEView::OnOverview()
+{
+    m_position.Expanded = !m_position.Expanded;
+    m_overviewButton->setChecked(m_position.Expanded);
+    m_overviewButton->setArrowType(m_position.Expanded ? Qt::UpArrow : Qt::DownArrow);
+    LayOut();
+    Repaint(AllPanels);
+}
+
+void CWEView::OnUpdateOverview(CommandUi& ui)
+{
+    ui.Enabled = WaveDocument().ChannelCount() > 0;
+    ui.Checked = m_position.Expanded;
+}
+
+} // namespace ek

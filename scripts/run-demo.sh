@@ -1,0 +1,18 @@
+#!/bin/bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+#
+# Starts the editor with a demo sound, or without a display takes the tour. Usage: scripts/run-demo.sh BIN_FOLDER
+set -euo pipefail
+editor=$1/ek-wave-editor
+demo=build/demo.wav
+tour=build/tour
+
+[[ -f $demo ]] || "$editor" --make-demo "$demo"
+
+if [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
+    exec "$editor" "$demo"
+fi
+echo "There is no display here (neither DISPLAY nor WAYLAND_DISPLAY is set), so the editor takes a tour by itself."
+"$editor" --tour "$tour" "$demo"
+echo "What it saw and saved is in $tour:"
+ls -l "$tour"

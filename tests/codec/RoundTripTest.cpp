@@ -1,0 +1,268 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "CodecFixture.h"
+
+#include "ekdatapr/StreamProps.h"
+#include "servicefuncs/Channels.h"
+
+#include <cmath>
+#include <sndfile.h>
+
+namespace ek {
+
+namespace {
+
+class RoundTrip : public CodecFixture {};
+
+const std::vector<std::string> LosslessNames = {"a.wav", "a.rf64", "a.w64", "a.aiff", "a.aif",
+                                                "a.au",  "a.snd",  "a.caf", "a.flac"};
+const std::vector<std::string> LossyNames = {"a.ogg", "a.oga", "a.opus", "a.mp3"};
+
+TEST_F(RoundTrip, SixteenBitSoundOfOneToEightChannelsPassesEveryLosslessContainerExactly)
+{
+    for (const std::string& name : LosslessNames) {
+        for (uint32_t channels = 1; channels <= MaxChannels; ++channels) {
+            const Sound sound = MakeNoiseSound(channels, 5000);
+            Choose(name, channels);
+            ASSERT_TRUE(Write(name, sound)) << name << channels;
+            EXPECT_EQ(Read(name), sound) << name << channels;
+            std::filesystem::remove(Path(name));
+        }
+    }
+}
+
+TEST_F(RoundTrip, SixteenBitSoundInWiderSamplesComesBackExactly)
+{
+    const Sound sound = MakeNoiseSound(2, 5000);
+    for (const std::string name : {"a.wav", "a.w64", "a.aiff", "a.au", "a.caf", "a.flac"}) {
+        for (const std::string subtype : {"pcm_24", "pcm_32", "float", "double"}) {
+            if (name == "a.flac" && subtype != "pcm_24")
+                continue;
+            Choose(name, 2, {{"subtype", subtype}});
+            ASSERT_TRUE(Write(name, sound)) << name << subtype;
+            EXPECT_EQ(Read(name), sound) << name << subtype;
+            EXPECT_GT(FormatOf(name).wBitsPerSample, 16) << name << subtype;
+            std::filesystem::remove(Path(name));
+        }
+    }
+}
+
+TEST_F(RoundTrip, EightBitSoundKeepsItsValuesAndItsSilence)
+{
+    Sound sound{8000, 1, {}};
+    for (int value = -128; value < 128; ++value)
+        sound.Values.push_back(static_cast<int16_t>(value * 256));
+    for (const std::string name : {"a.wav", "a.aiff", "a.flac"}) {
+        Choose(name, 1, {{"subtype", name == "a.wav" ? "pcm_u8" : "pcm_s8"}});
+        ASSERT_TRUE(Write(name, sound)) << name;
+        EXPECT_EQ(FormatOf(name).wBitsPerSample, 8) << name;
+        EXPECT_EQ(Read(name), sound) << name;
+    }
+}
+
+TEST_F(RoundTrip, LossyCodersKeepLengthLevelAndTheOrderOfChannels)
+{
+    for (const std::string& name : LossyNames) {
+        const uint32_t maxChannels = name == "a.mp3" ? 2 : MaxChannels;
+        for (uint32_t channels = 1; channels <= maxChannels; ++channels) {
+            const Sound sound = MakeTones(48000, channels, 24000);
+            Choose(name, channels);
+            ASSERT_TRUE(Write(name, sound)) << name << channels;
+            const Sound back = Read(name);
+            ASSERT_EQ(back.Frames(), sound.Frames()) << name << channels;
+            for (uint32_t channel = 0; channel < channels; ++channel) {
+                // The low frequency channel of these coders is cut off at about 120 Hz.
+                if (GetChannelByIndex(FormatOf(name), channel) == ChannelLowFrequency)
+                    continue;
+                EXPECT_NEAR(AmplitudeOf(back.Channel(channel), 200 + 100 * channel, 48000), 0.5, 0.06)
+                    << name << channels << ' ' << channel;
+            }
+            std::filesystem::remove(Path(name));
+        }
+    }
+}
+
+TEST_F(RoundTrip, LogarithmicAndDifferenceCodingsKeepTheLevel)
+{
+    const Sound sound = MakeTones(8000, 1, 8000);
+    for (const std::string subtype : {"ulaw", "alaw", "ima_adpcm", "ms_adpcm", "gsm610"}) {
+        Choose("a.wav", 1, {{"subtype", subtype}});
+        ASSERT_TRUE(Write("a.wav", sound)) << subtype;
+        EXPECT_EQ(FormatOf("a.wav").wBitsPerSample, 16) << subtype;
+        EXPECT_NEAR(AmplitudeOf(Read("a.wav").Channel(0), 200, 8000), 0.5, 0.03) << subtype;
+        std::filesystem::remove(Path("a.wav"));
+    }
+}
+
+TEST_F(RoundTrip, RatesThatACoderDoesNotKnowBecomeOnesThatItKnows)
+{
+    struct Case {
+        std::string Name;
+        uint32_t Rate;
+        uint32_t FileRate;
+    };
+    for (const Case& test : {Case{"a.opus", 44100, 48000}, Case{"a.opus", 12000, 12000}, Case{"a.opus", 96000, 48000},
+                             Case{"a.mp3", 96000, 48000}, Case{"a.mp3", 37800, 44100}, Case{"a.mp3", 8000, 8000}}) {
+        const Sound sound = MakeTones(test.Rate, 2, test.Rate + 1);
+        Choose(test.Name, 2);
+        ASSERT_TRUE(Write(test.Name, sound)) << test.Name << test.Rate;
+        const Sound back = Read(test.Name);
+        EXPECT_EQ(back.Rate, test.FileRate);
+        const double frames = static_cast<double>(sound.Frames()) * test.FileRate / test.Rate;
+        EXPECT_EQ(back.Frames(), static_cast<uint64_t>(std::floor(frames + 0.5))) << test.Name << test.Rate;
+        EXPECT_NEAR(AmplitudeOf(back.Channel(1), 300, back.Rate), 0.5, 0.03) << test.Name << test.Rate;
+        std::filesystem::remove(Path(test.Name));
+    }
+}
+
+TEST_F(RoundTrip, SoundWithoutFramesMakesAFileThatOpens)
+{
+    for (const auto& names : {LosslessNames, LossyNames}) {
+        for (const std::string& name : names) {
+            ASSERT_TRUE(Write(name, Sound{})) << name;
+            // An Ogg stream cannot be empty.
+            EXPECT_LE(Read(name).Frames(), name[2] == 'o' ? 1u : 0u) << name;
+        }
+    }
+}
+
+TEST_F(RoundTrip, LengthsAroundTheBlocksOfTheCoderArriveWhole)
+{
+    for (const std::string name : {"a.wav", "a.flac", "a.opus", "a.mp3", "a.ogg"}) {
+        for (const uint64_t frames : {1, 2, 959, 960, 4095, 4096, 4097}) {
+            Choose(name, 1);
+            ASSERT_TRUE(Write(name, MakeTones(48000, 1, frames))) << name << frames;
+            EXPECT_EQ(Read(name).Frames(), frames) << name;
+            std::filesystem::remove(Path(name));
+        }
+    }
+}
+
+TEST_F(RoundTrip, MonoAndStereoBecomeEachOtherAndOtherLayoutsAreRefused)
+{
+    const Sound mono = MakeNoiseSound(1, 100);
+    Choose("a.wav", 2);
+    ASSERT_TRUE(Write("a.wav", mono));
+    const Sound stereo = Read("a.wav");
+    ASSERT_EQ(stereo.Channels, 2u);
+    EXPECT_EQ(stereo.Channel(0), mono.Channel(0));
+    EXPECT_EQ(stereo.Channel(1), mono.Channel(0));
+
+    Choose("b.wav", 1);
+    ASSERT_TRUE(Write("b.wav", stereo));
+    EXPECT_EQ(Read("b.wav"), mono);
+
+    Choose("c.wav", 2);
+    EXPECT_FALSE(Write("c.wav", MakeNoiseSound(6, 100)));
+    Choose("c.wav", 6);
+    EXPECT_FALSE(Write("c.wav", stereo));
+    EXPECT_FALSE(std::filesystem::exists(Path("c.wav")));
+}
+
+TEST_F(RoundTrip, SpeakersOfALayoutSurviveWhereTheContainerHasThem)
+{
+    constexpr uint32_t sideSurround = 0x60F;
+    const Sound sound = MakeNoiseSound(6, 50);
+    const WAVEFORMATEXTENSIBLE format = MakePcm16Format(44100, 6, sideSurround);
+    for (const std::string name : {"a.wav", "a.rf64", "a.aiff", "a.caf"}) {
+        Choose(name, 6);
+        const CoderHandle coder = EkCoderCreateFile(Path(name), format, nullptr, nullptr, 50);
+        ASSERT_TRUE(EkCoderAddFileData(coder, 50, sound.Values.data(), sound.Values.size() * 2)) << name;
+        ASSERT_TRUE(EkCoderCloseFile(coder)) << name;
+        EXPECT_EQ(FormatOf(name), format) << name;
+    }
+}
+
+TEST_F(RoundTrip, TextTagsSurviveWhereTheContainerHasThem)
+{
+    StreamFacts facts;
+    for (const TagName& tag : TagNames)
+        facts.Tags[tag.Name] = std::string("Größe 音 ") + tag.Name;
+    facts.Tags["date"] = "2024";
+    facts.Tags["track"] = "7";
+    facts.Tags["comment"] = std::string(3000, 'x') + "é";
+    const StreamProperties properties = Pack(facts);
+    for (const std::string name : {"a.wav", "a.rf64", "a.flac", "a.caf", "a.ogg", "a.opus", "a.mp3"}) {
+        ASSERT_TRUE(Write(name, MakeTones(48000, 2, 3000), nullptr, &properties)) << name;
+        EXPECT_EQ(EkGetTags(PropertiesOf(name)), facts.Tags) << name;
+    }
+    ASSERT_TRUE(Write("a.aiff", MakeNoiseSound(2, 99), nullptr, &properties));
+    for (const std::string tag : {"title", "artist", "comment", "copyright"})
+        EXPECT_EQ(EkGetTags(PropertiesOf("a.aiff"))[tag], facts.Tags[tag]) << tag;
+    ASSERT_TRUE(Write("a.w64", MakeNoiseSound(2, 99), nullptr, &properties));
+    EXPECT_TRUE(EkGetTags(PropertiesOf("a.w64")).empty());
+}
+
+TEST_F(RoundTrip, AFileSavedWithItsOwnPropertiesIsEncodedAsBefore)
+{
+    struct Case {
+        std::string Name;
+        Options Chosen;
+    };
+    const std::vector<Case> cases = {{"a.wav", {{"subtype", "pcm_24"}}},  {"a.wav", {{"subtype", "ulaw"}}},
+                                     {"a.flac", {{"subtype", "pcm_24"}}}, {"a.aif", {{"subtype", "float"}}},
+                                     {"a.ogg", {{"quality", "0.9"}}},     {"a.ogg", {{"quality", "0.1"}}},
+                                     {"a.opus", {{"bitrate", "24"}}},     {"a.mp3", {{"bitrate", "320"}}}};
+    const Sound sound = MakeNoiseSound(2, 20000);
+    for (const auto& [name, chosen] : cases) {
+        Choose(name, 2, chosen);
+        ASSERT_TRUE(Write(name, sound)) << name;
+        const StreamProperties properties = PropertiesOf(name);
+        // Later choices for the extension do not count.
+        Choose(name, 1, {{chosen.begin()->first, EkGetCoderOptions(name.substr(2))[0].Choices[0].Value}});
+        const std::string again = "again" + name;
+        ASSERT_TRUE(Write(again, sound, &properties)) << name;
+        EXPECT_EQ(PropertiesOf(again), properties) << name;
+        EXPECT_EQ(std::filesystem::file_size(Path(again)), std::filesystem::file_size(Path(name))) << name;
+        std::filesystem::remove(Path(name));
+        std::filesystem::remove(Path(again));
+    }
+}
+
+TEST_F(RoundTrip, LossyFilesOfOthersAreRepeatedAtAboutTheirRate)
+{
+    const Sound sound = MakeNoiseSound(2, 44100);
+    std::vector<double> values;
+    for (const int16_t value : sound.Values)
+        values.push_back(value / 32768.0);
+    WriteByLibrary("a.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS, 44100, 2, values);
+    const StreamProperties properties = PropertiesOf("a.ogg");
+    ASSERT_TRUE(Write("b.ogg", sound, &properties));
+    const auto bytes = static_cast<double>(std::filesystem::file_size(Path("a.ogg")));
+    EXPECT_GE(static_cast<double>(std::filesystem::file_size(Path("b.ogg"))), 0.95 * bytes);
+    EXPECT_LE(static_cast<double>(std::filesystem::file_size(Path("b.ogg"))), 1.4 * bytes);
+}
+
+TEST_F(RoundTrip, PropertiesOfAnotherTypeLeaveTheEncodingToTheExtension)
+{
+    const Sound sound = MakeNoiseSound(1, 500);
+    Choose("a.flac", 1, {{"subtype", "pcm_24"}});
+    ASSERT_TRUE(Write("a.flac", sound));
+    const StreamProperties properties = PropertiesOf("a.flac");
+    Choose("a.wav", 2, {{"subtype", "float"}});
+    ASSERT_TRUE(Write("a.wav", sound, &properties));
+    EXPECT_EQ(TypeOf("a.wav"), "WAV (Microsoft), 32 bit float");
+    EXPECT_EQ(Read("a.wav"), sound); // with properties the channels stay
+}
+
+TEST_F(RoundTrip, OnlyALengthBeyondFourGibibytesMakesAWavAnRf64)
+{
+    const WAVEFORMATEXTENSIBLE format = MakePcm16Format(44100, 2);
+    const Sound sound = MakeNoiseSound(2, 1000);
+    constexpr uint64_t fittingFrames = (uint64_t{1} << 30) - (1 << 19);
+    for (const uint64_t announced : {uint64_t{0}, fittingFrames, fittingFrames + (1 << 18), uint64_t{1} << 40}) {
+        const CoderHandle coder = EkCoderCreateFile(Path("a.wav"), format, nullptr, nullptr, announced);
+        ASSERT_TRUE(EkCoderAddFileData(coder, 1000, sound.Values.data(), 4000)) << announced;
+        ASSERT_TRUE(EkCoderCloseFile(coder)) << announced;
+        EXPECT_EQ(TypeOf("a.wav").starts_with("RF64"), announced > fittingFrames) << announced;
+        EXPECT_EQ(Read("a.wav"), sound) << announced;
+        std::filesystem::remove(Path("a.wav"));
+        const CoderHandle aiff = EkCoderCreateFile(Path("b.aiff"), format, nullptr, nullptr, announced);
+        EXPECT_EQ(aiff != 0, announced <= fittingFrames) << announced;
+        EXPECT_EQ(EkCoderCloseFile(aiff), aiff != 0);
+        std::filesystem::remove(Path("b.aiff"));
+    }
+}
+
+} // namespace
+
+} // namespace ek

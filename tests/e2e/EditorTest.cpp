@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <sndfile.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <stdlib.h>
+#include <sys/stat.h>
+
+namespace ek {
+namespace {
+
+constexpr int Rate = 44100;
+constexpr char SoundFormat[] = "Sound Format";
+
+std::vector<int16_t> MakeSound(unsigned seed)
+{
+    std::mt19937 random(seed);
+    std::vector<int16_t> samples(4 * Rate);
+    for (size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<int16_t>(static_cast<int>(random() % 65536) - 32768);
+    return samples;
+}
+
+bool WriteSound(const std::filesystem::path& path, const std::vector<int16_t>& samples)
+{
+    SF_INFO info{};
+    info.samplerate = Rate;
+    info.channels = 2;
+    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+    SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
+    const auto count = static_cast<sf_count_t>(samples.size());
+    return file && sf_write_short(file, samples.data(), count) == count && sf_close(file) == 0;
+}
+
+/// Empty when the file is not a complete 16-bit stereo sound of the type.
+std::vector<int16_t> ReadSound(const std::filesystem::path& path, int type)
+{
+    SF_INFO info{};
+    SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
+    if (!file)
+        return {};
+    std::vector<int16_t> samples;
+    if (info.format == (type | SF_FORMAT_PCM_16) && info.channels == 2 && info.samplerate == Rate) {
+        samples.resize(static_cast<size_t>(info.frames * 2));
+        samples.resize(static_cast<size_t>(sf_read_short(file, samples.data(), info.frames * 2)));
+    }
+    sf_close(file);
+    return samples;
+}
+
+/// Changes when a file is put in the place of another.
+ino_t FileNumber(const std::filesystem::path& path)
+{
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? status.st_ino : 0;
+}
+
+std::vector<std::string> FilesBelow(const std::filesystem::path& folder)
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        if (!entry.is_directory())
+            names.push_back(entry.path().filename());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+double ShareOfChangedPixels(const QImage& before, const QImage& after)
+{
+    qint64 changed = 0;
+    for (int y = 0; y < before.height(); ++y) {
+        for (int x = 0; x < before.width(); ++x)
+            changed += before.pixel(x, y) != after.pixel(x, y);
+    }
+    return static_cast<double>(changed) / (static_cast<double>(before.width()) * before.height());
+}
+
+class EditorTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        for (const char* program : {"Xvfb", "xdotool"}) {
+            if (!IsInstalled(program))
+                GTEST_SKIP() << program << " is not installed";
+        }
+        std::string folder = (std::filesystem::temp_directory_path() / "eke2eXXXXXX").native();
+        ASSERT_NE(mkdtemp(folder.data()), nullptr);
+        m_folder = folder;
+        std::filesystem::create_directory(m_folder / "music");
+        m_desktop = std::make_unique<Desktop>(m_folder);
+        ASSERT_TRUE(m_desktop->Start());
+    }
+
+    void TearDown() override
+    {
+        if (HasFailure() && m_editor)
+            std::fprintf(stderr, "The editor said:\n%s\n", m_editor->Output().c_str());
+        m_editor.reset();
+        m_desktop.reset();
+        std::error_code ignored;
+        std::filesystem::remove_all(m_folder, ignored);
+    }
+
+    std::filesystem::path Music(const std::string& name) const { return m_folder / "music" / name; }
+
+    std::unique_ptr<Process> StartEditor(const std::vector<std::string>& files, const std::string& name) const
+    {
+        std::vector<std::string> arguments{EK_BIN_DIR "/ek-wave-editor", "--skin", "Light"};
+        arguments.insert(arguments.end(), files.begin(), files.end());
+        return m_desktop->Run(arguments, name);
+    }
+
+    bool BringUpEditor()
+    {
+        m_editor = StartEditor({}, "editor");
+        return m_desktop->Focus("Ek Wave Editor") && m_desktop->MoveWindow("Ek Wave Editor", 0, 100, 1280, 800);
+    }
+
+    bool ShowsFile(const std::string& name) const
+    {
+        return Eventually([&] { return m_desktop->HasWindow(name + " - Ek Wave Editor"); });
+    }
+
+    /// From the helper's window in the corner onto the middle of the editor.
+    void DragOntoEditor(const std::filesystem::path& file) const
+    {
+        const auto source = m_desktop->Run({EK_BIN_DIR "/e2e-helper", "drag", file}, "drag");
+        ASSERT_TRUE(Eventually([&] { return m_desktop->HasWindow("e2e drag source"); }));
+        const auto hasSaid = [&](const char* line) { return source->Output().find(line) != std::string::npos; };
+        m_desktop->MovePointer(40, 40);
+        m_desktop->Press();
+        int y = 60;
+        ASSERT_TRUE(Eventually([&] {
+            y = y < 500 ? y + 20 : 450; // it goes on moving, as a hand does
+            m_desktop->MovePointer(500, y);
+            return hasSaid("offered copy");
+        }));
+        m_desktop->Release();
+        ASSERT_TRUE(Eventually([&] { return source->HasEnded(); }));
+        EXPECT_TRUE(hasSaid("dropped copy"));
+    }
+
+    void AnswerFileDialog(const std::string& title, const std::filesystem::path& file) const
+    {
+        ASSERT_TRUE(m_desktop->Focus(title));
+        m_desktop->Key("ctrl+a");
+        m_desktop->Type(file);
+        m_desktop->Key("Return");
+    }
+
+    std::filesystem::path m_folder;
+    std::unique_ptr<Desktop> m_desktop;
+    std::unique_ptr<Process> m_editor;
+};
+
+TEST_F(EditorTest, ASoundIsOpenedZoomedSavedAndLeavesNoTemporaryFiles)
+{
+    const std::vector<int16_t> dragged = MakeSound(1);
+    const std::vector<int16_t> typed = MakeSound(2);
+    ASSERT_TRUE(WriteSound(Music("dragged.wav"), dragged));
+    ASSERT_TRUE(WriteSound(Music("typed.wav"), typed));
+    ASSERT_TRUE(BringUpEditor());
+
+    ASSERT_NO_FATAL_FAILURE(DragOntoEditor(Music("dragged.wav")));
+    ASSERT_TRUE(ShowsFile("dragged.wav"));
+
+    ASSERT_TRUE(m_desktop->Focus("Ek Wave Editor"));
+    m_desktop->Key("ctrl+o");
+    ASSERT_NO_FATAL_FAILURE(AnswerFileDialog("^Open$", Music("typed.wav")));
+    ASSERT_TRUE(ShowsFile("typed.wav"));
+
+    const QImage whole = m_desktop->Picture();
+    m_desktop->MovePointer(640, 500);
+    m_desktop->TurnWheelUp(12);
+    EXPECT_TRUE(Eventually([&] { return ShareOfChangedPixels(whole, m_desktop->Picture()) > 0.2; }));
+
+    ASSERT_TRUE(m_desktop->Focus("Ek Wave Editor"));
+    const ino_t original = FileNumber(Music("typed.wav"));
+    m_desktop->Key("ctrl+s");
+    EXPECT_TRUE(Eventually([&] { return FileNumber(Music("typed.wav")) != original; }));
+
+    ASSERT_TRUE(Eventually([&] { return m_desktop->Focus("Ek Wave Editor"); }));
+    m_desktop->Key("ctrl+shift+s");
+    ASSERT_NO_FATAL_FAILURE(AnswerFileDialog("^Save As$", Music("saved.flac")));
+    ASSERT_TRUE(m_desktop->Focus(SoundFormat));
+    m_desktop->Key("Return");
+    ASSERT_TRUE(ShowsFile("saved.flac"));
+
+    ASSERT_TRUE(m_desktop->Focus("Ek Wave Editor"));
+    m_desktop->Key("ctrl+q");
+    ASSERT_TRUE(Eventually([&] { return m_editor->HasEnded(); }));
+    EXPECT_EQ(m_editor->ExitStatus(), 0);
+    EXPECT_EQ(ReadSound(Music("typed.wav"), SF_FORMAT_WAV), typed);
+    EXPECT_EQ(ReadSound(Music("saved.flac"), SF_FORMAT_FLAC), typed);
+    EXPECT_EQ(ReadSound(Music("dragged.wav"), SF_FORMAT_WAV), dragged);
+    EXPECT_EQ(FilesBelow(m_folder / "temporary"), std::vector<std::string>());
+    EXPECT_EQ(FilesBelow(m_folder / "music"), (std::vector<std::string>{"dragged.wav", "saved.flac", "typed.wav"}));
+}
+
+TEST_F(EditorTest, ASecondStartHandsItsFileToTheRunningEditor)
+{
+    ASSERT_TRUE(WriteSound(Music("first.wav"), MakeSound(3)));
+    ASSERT_TRUE(WriteSound(Music("a second \xc3\xa4.wav"), MakeSound(4)));
+    m_editor = StartEditor({Music("first.wav")}, "editor");
+    ASSERT_TRUE(ShowsFile("first.wav"));
+    const auto second = StartEditor({Music("a second \xc3\xa4.wav")}, "second");
+    ASSERT_TRUE(Eventually([&] { return second->HasEnded(); }));
+    EXPECT_EQ(second->ExitStatus(), 0);
+    EXPECT_TRUE(ShowsFile("a second \xc3\xa4.wav"));
+    EXPECT_FALSE(m_editor->HasEnded());
+}
+
+} // namespace
+} // namespace ek

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct RunResult {
+    int Status;
+    std::string Output;
+    std::string Errors;
+};
+
+std::string ReadText(const fs::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+/// Runs ekbatch in a folder of its own, with its settings, its log and its temporary files inside it.
+class EkbatchTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::string pattern = (fs::temp_directory_path() / "ekbatch-test-XXXXXX").string();
+        m_folder = mkdtemp(pattern.data());
+        fs::create_directory(m_folder / "tmp");
+    }
+
+    void TearDown() override { fs::remove_all(m_folder); }
+
+    /// `arguments` as typed into a shell inside the folder.
+    RunResult Run(const std::string& arguments, const std::string& input = {})
+    {
+        std::ofstream(m_folder / "stdin") << input;
+        const std::string command = "cd '" + m_folder.string() +
+                                    "' && TMPDIR=\"$PWD/tmp\" XDG_DATA_HOME=\"$PWD/data\"" +
+                                    " XDG_CONFIG_HOME=\"$PWD/config\" XDG_STATE_HOME=\"$PWD/state\" " + EK_BIN_DIR +
+                                    "/ekbatch " + arguments + " <stdin >stdout 2>stderr";
+        const int status = std::system(command.c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(m_folder / "stdout"),
+                ReadText(m_folder / "stderr")};
+    }
+
+    bool TempFolderIsEmpty() const { return fs::is_empty(m_folder / "tmp"); }
+
+    /// A mono 16-bit WAV of a ramp.
+    void MakeWave(const std::string& name, uint32_t frames, uint32_t rate = 8000)
+    {
+        std::string header = "RIFF" + U32(36 + frames * 2) + "WAVEfmt " + U32(16) + U16(1) + U16(1) + U32(rate) +
+                             U32(rate * 2) + U16(2) + U16(16) + "data" + U32(frames * 2);
+        std::ofstream file(m_folder / name, std::ios::binary);
+        file << header;
+        for (uint32_t i = 0; i < frames; ++i)
+            file << U16(static_cast<uint16_t>(i * 7));
+    }
+
+    static std::string U16(uint16_t value) { return {static_cast<char>(value), static_cast<char>(value >> 8)}; }
+    static std::string U32(uint32_t value)
+    {
+        return U16(static_cast<uint16_t>(value)) + U16(static_cast<uint16_t>(value >> 16));
+    }
+
+    fs::path m_folder;
+};
+
+TEST_F(EkbatchTest, InfoTellsWhatIsOpen)
+{
+    MakeWave("ramp.wav", 20000);
+    const RunResult run = Run("-e 'open ramp.wav' -e info");
+    EXPECT_EQ(run.Status, 0) << run.Errors;
+    for (const char* line : {"/ramp.wav\n", "rate: 8000\n", "channels: 1\n", "bits: 16\n", "frames: 20000\n",
+                             "duration: 00:00:02,500\n", "modified: no\n"})
+        EXPECT_NE(run.Output.find(line), std::string::npos) << line << run.Output;
+    EXPECT_TRUE(TempFolderIsEmpty());
+}
+
+TEST_F(EkbatchTest, ASavedSoundIsTheOpenedOneByteForByte)
+{
+    MakeWave("ramp.wav", 300000);
+    EXPECT_EQ(Run("-e 'open ramp.wav' -e 'save copy.flac' -e close -e 'open copy.flac' "
+                  "-e 'save copy.wav channels=Mono'")
+                  .Status,
+              0);
+    const std::string original = ReadText(m_folder / "ramp.wav");
+    const std::string copy = ReadText(m_folder / "copy.wav");
+    ASSERT_GE(copy.size(), 600000U);
+    EXPECT_EQ(original.substr(original.size() - 600000), copy.substr(copy.size() - 600000));
+    EXPECT_TRUE(TempFolderIsEmpty());
+}
+
+TEST_F(EkbatchTest, AScriptIsReadWithCommentsAndQuotedNames)
+{
+    const RunResult run = Run("-", "# a new sound\n\n  new 48000 6   # surround\nsave \"5.1 \\\"mix\\\".wav\" "
+                                   "channels=\"5.1 Surround Mode\" subtype=pcm_24\ninfo\n");
+    EXPECT_EQ(run.Status, 0) << run.Errors;
+    EXPECT_TRUE(fs::exists(m_folder / "5.1 \"mix\".wav"));
+    EXPECT_NE(run.Output.find("channels: 6\n"), std::string::npos);
+}
+
+TEST_F(EkbatchTest, AFailingCommandEndsTheScriptAndSaysWhere)
+{
+    std::ofstream(m_folder / "noise.wav") << "this is no sound";
+    std::ofstream(m_folder / "job") << "new 8000 1\n\nopen noise.wav\nsave never.wav\n";
+    const RunResult run = Run("job");
+    EXPECT_EQ(run.Status, 1);
+    EXPECT_EQ(run.Errors, "job:3: Can't open file noise.wav\n");
+    EXPECT_FALSE(fs::exists(m_folder / "never.wav"));
+    EXPECT_TRUE(TempFolderIsEmpty());
+}
+
+TEST_F(EkbatchTest, ChannelsThatDoNotFitAreRefusedWithTheUsersText)
+{
+    const RunResult run = Run("-e 'new 44100 6' -e 'save out.wav channels=Stereo'");
+    EXPECT_EQ(run.Status, 1);
+    EXPECT_EQ(run.Errors, "-e:2: You can not save file out.wav,\nbecause it is not possible to convert mono/stereo "
+                          "files to multichannel and vice versa\n");
+    EXPECT_FALSE(fs::exists(m_folder / "out.wav"));
+}
+
+TEST_F(EkbatchTest, BadUsageHasAStatusOfItsOwn)
+{
+    for (const char* arguments :
+         {"", "--no-such-option", "missing-script", "-e explode", "-e 'new 8000'", "-e 'new 0 1'", "-e 'new 8000 9'",
+          "-e 'open \"unclosed'", "-e 'new 8000 1' -e 'save x.wav oops'"})
+        EXPECT_EQ(Run(arguments).Status, 2) << arguments;
+    EXPECT_EQ(Run("-e info").Status, 1);
+    EXPECT_EQ(Run("-e 'new 8000 1' -e save").Status, 1);
+    EXPECT_EQ(Run("-e 'new 8000 1' -e 'save x.wav subtype=nonsense'").Status, 1);
+}
+
+TEST_F(EkbatchTest, SettingsOfOneRunDoNotReachTheNext)
+{
+    MakeWave("ramp.wav", 100);
+    EXPECT_EQ(Run("-e 'open ramp.wav' -e 'save a.wav subtype=pcm_24'").Status, 0);
+    EXPECT_EQ(Run("-e 'open ramp.wav' -e 'save b.wav'").Status, 0);
+    EXPECT_NE(Run("-e 'open a.wav' -e info").Output.find("bits: 24\n"), std::string::npos);
+    EXPECT_NE(Run("-e 'open b.wav' -e info").Output.find("bits: 16\n"), std::string::npos);
+}
+
+} // namespace

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "waveview/ViewLayout.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+namespace ek {
+
+void PrintTo(const Rect& rect, std::ostream* out)
+{
+    *out << '{' << rect.Left << ", " << rect.Top << ", " << rect.Right << ", " << rect.Bottom << '}';
+}
+
+namespace {
+
+LayoutInput StereoWindow()
+{
+    return {.Client = {0, 0, 800, 600}, .ScrollBarWidth = 14, .ScrollBarHeight = 15, .ChannelCount = 2};
+}
+
+TEST(Layout, PlacesEveryPart)
+{
+    const ViewLayout layout = ViewLayout::Compute(StereoWindow());
+    EXPECT_EQ(layout.Overview, (Rect{0, 0, 786, 16}));
+    EXPECT_EQ(layout.Tool, (Rect{0, 16, 28, 40}));
+    EXPECT_EQ(layout.ToggleButton, (Rect{0, 16, 28, 32}));
+    EXPECT_EQ(layout.Time, (Rect{28, 16, 786, 32}));
+    EXPECT_EQ(layout.Marker, (Rect{28, 32, 786, 40}));
+    EXPECT_EQ(layout.Amplitude, (Rect{0, 40, 28, 585}));
+    EXPECT_EQ(layout.Wave, (Rect{28, 40, 786, 585}));
+    EXPECT_EQ(layout.HorizontalBar, (Rect{0, 585, 725, 600}));
+    EXPECT_EQ(layout.ZoomLabel, (Rect{725, 585, 800, 600}));
+    EXPECT_EQ(layout.VerticalBar, (Rect{786, 0, 800, 586}));
+    EXPECT_EQ(layout.OverviewInset, 28);
+}
+
+TEST(Layout, ExpandedOverviewHasARowPerChannelAndPushesTheRestDown)
+{
+    LayoutInput input = StereoWindow();
+    input.ChannelCount = 6;
+    input.OverviewExpanded = true;
+    const ViewLayout layout = ViewLayout::Compute(input);
+    EXPECT_EQ(layout.Overview.Height(), 12 * 6 + 2);
+    EXPECT_EQ(layout.Wave.Top, 74 + 24);
+    EXPECT_EQ(layout.Wave.Bottom, 585);
+}
+
+TEST(Layout, StatusBarLiesBelowTheScrollBar)
+{
+    LayoutInput input = StereoWindow();
+    input.StatusBarHeight = 20;
+    const ViewLayout layout = ViewLayout::Compute(input);
+    EXPECT_EQ(layout.StatusBar, (Rect{0, 580, 800, 600}));
+    EXPECT_EQ(layout.HorizontalBar.Bottom, 580);
+    EXPECT_EQ(layout.Wave.Bottom, 565);
+}
+
+class LayoutAtScale : public testing::TestWithParam<double> {};
+
+TEST_P(LayoutAtScale, TilesTheWindowWithoutGapOrOverlap)
+{
+    LayoutInput input = StereoWindow();
+    input.Scale = GetParam();
+    const ViewLayout layout = ViewLayout::Compute(input);
+    EXPECT_EQ(layout.Overview.Height(), ScaledLength(16, input.Scale));
+    EXPECT_EQ(layout.Tool.Width(), ScaledLength(28, input.Scale));
+    EXPECT_EQ(layout.OverviewInset, layout.Wave.Left);
+    const Rect parts[] = {layout.Overview, layout.Tool, layout.Time, layout.Marker, layout.Amplitude, layout.Wave};
+    for (int y = 0; y < 585; ++y) {
+        for (int x = 0; x < 786; x += 7)
+            ASSERT_EQ(std::ranges::count_if(parts, [&](const Rect& part) { return part.Contains(x, y); }), 1)
+                << x << ", " << y;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Scales, LayoutAtScale, testing::Values(1.0, 1.25, 1.5, 1.75, 2.0, 3.0));
+
+TEST(Layout, ScaledLengthsRoundAndNeverVanish)
+{
+    EXPECT_EQ(ScaledLength(28, 1.25), 35);
+    EXPECT_EQ(ScaledLength(5, 1.5), 8);
+    EXPECT_EQ(ScaledLength(1, 0.25), 1);
+    EXPECT_EQ(ScaledLength(0, 2.0), 0);
+}
+
+} // namespace
+} // namespace ek

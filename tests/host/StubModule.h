@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/Module.h"
+
+#include <QMenu>
+#include <QPointer>
+#include <QWidget>
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace ek {
+
+class CHostFrame;
+
+/// A module that records what the host asks of it. One at a time.
+class StubModule {
+public:
+    StubModule();
+    ~StubModule();
+
+    ModuleExports Exports;
+    std::vector<std::string> Calls;
+    std::vector<std::u16string> Requests;
+    std::vector<uint32_t> Commands;
+    std::set<uint32_t> Disabled;
+    std::set<uint32_t> Checked;
+    std::set<uint32_t> Unknown; ///< commands that nobody handles
+    std::vector<Accelerator> Keys;
+    int TakenKey = 0; ///< the key that the module keeps for itself
+    int KeysSeen = 0;
+    int IdleCalls = 0;
+    bool MayClose = true;
+    bool Refuses = false;
+
+    CHostFrame* Host = nullptr;
+    QPointer<QWidget> Frame;
+    std::unique_ptr<QMenu> Menu;
+    QMenu* FileMenu;
+    QMenu* ViewMenu;
+};
+
+} // namespace ek

@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "StoreTest.h"
+#include "storage/PageCache.h"
+#include "support/FaultyFileCalls.h"
+
+#include <cerrno>
+
+namespace ek {
+namespace {
+
+constexpr uint64_t Page = PageCache::PageSize;
+
+class PagesTest : public StoreTest {
+protected:
+    void MakePages(uint64_t count)
+    {
+        ASSERT_TRUE(m_files.InsertSpace(0, 0, count * Page));
+        m_pages.Reset();
+    }
+    std::vector<uint64_t> ResidentIndexes() const
+    {
+        std::vector<uint64_t> indexes;
+        for (const PageCache::ResidentPage& page : m_pages.Resident())
+            indexes.push_back(page.Index);
+        return indexes;
+    }
+
+    TempFileList m_files;
+    PageCache m_pages{m_files};
+};
+
+TEST_F(PagesTest, TheLeastRecentlyUsedPageMakesRoom)
+{
+    MakePages(12);
+    for (uint64_t index = 0; index < 10; ++index)
+        ASSERT_NE(m_pages.Page(index, false), nullptr);
+    m_pages.Page(9, false);
+    m_pages.Page(0, false);
+    EXPECT_EQ(ResidentIndexes(), (std::vector<uint64_t>{1, 2, 3, 4, 5, 6, 7, 8, 9, 0}));
+    m_pages.Page(11, false);
+    EXPECT_EQ(ResidentIndexes(), (std::vector<uint64_t>{2, 3, 4, 5, 6, 7, 8, 9, 0, 11}));
+}
+
+TEST_F(PagesTest, OnlyChangedPagesAreWritten)
+{
+    FaultyFileCalls calls("ekewdme", FaultyFileCalls::Writes);
+    MakePages(12);
+    for (uint64_t index = 0; index < 12; ++index)
+        m_pages.Page(index, index == 0)[5] = index == 0 ? 77 : 0;
+    EXPECT_EQ(calls.CallCount(), 1U);
+    EXPECT_EQ(m_pages.Page(0, false)[5], 77);
+    EXPECT_TRUE(m_pages.Flush());
+    EXPECT_EQ(calls.CallCount(), 1U);
+}
+
+TEST_F(PagesTest, APageThatCannotBeWrittenIsKeptAndWrittenLater)
+{
+    FaultyFileCalls calls("ekewdme", FaultyFileCalls::Writes);
+    MakePages(12);
+    m_pages.Page(0, true)[0] = 1;
+    for (uint64_t index = 1; index < 10; ++index)
+        m_pages.Page(index, false);
+    calls.FailFrom(1, ENOSPC);
+    EXPECT_EQ(m_pages.Page(10, false), nullptr);
+    EXPECT_FALSE(m_pages.Flush());
+    EXPECT_EQ(ResidentIndexes(), (std::vector<uint64_t>{0}));
+    calls.StopFailing();
+    EXPECT_TRUE(m_pages.Flush());
+    EXPECT_EQ(m_pages.Page(0, false)[0], 1);
+}
+
+TEST_F(StoreTest, AnEmptyStoreReadsNothingAndSaysSo)
+{
+    CWaveData store;
+    int16_t value = 7;
+    EXPECT_TRUE(store.ReadData(&value, 0, 0));
+    EXPECT_FALSE(store.ReadData(&value, 0, 1));
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(store.SampleAt(0), 0);
+    EXPECT_EQ(LoggedTexts(),
+              std::vector<std::string>{"Error! Trying to read data beyond the limit of data pages!. Position: 0"});
+}
+
+TEST_F(StoreTest, ARangeBeyondTheEndIsDoneUpToTheEnd)
+{
+    CWaveData store;
+    Fill(store, {1, MakeRamp(1000)});
+    std::vector<int16_t> values(10, -1);
+    EXPECT_FALSE(store.ReadData(values.data(), 1990, 20));
+    EXPECT_EQ(values, (std::vector<int16_t>{995, 996, 997, 998, 999, -1, -1, -1, -1, -1}));
+    EXPECT_FALSE(store.WriteData(values.data(), 1998, 4));
+    EXPECT_EQ(store.SampleAt(999), 995);
+    EXPECT_EQ(LoggedTexts().back(), "Error! Trying to write data beyond the limit of data pages!. Position: 7ce");
+}
+
+TEST_F(StoreTest, NewRoomIsSilentAllocatedAndInFilesOfOnePage)
+{
+    CWaveData store;
+    store.SetFormat(MakePcm16Format(44100, 2), nullptr);
+    ASSERT_TRUE(store.InsertSpace(0, 0, 2 * Page + 400));
+    ASSERT_EQ(store.TempFiles().size(), 3U);
+    EXPECT_EQ(store.TempFiles().front().Length, Page);
+    EXPECT_EQ(store.TempFiles().back().Length, 400U);
+    EXPECT_EQ(ReadAll(store), std::vector<int16_t>(Page + 200));
+    EXPECT_EQ(m_folder.TempFileCount(), 3U);
+    store.Close();
+    EXPECT_EQ(m_folder.TempFileCount(), 0U);
+}
+
+TEST_F(StoreTest, RoomInTheMiddleOfAFileSplitsItThere)
+{
+    CWaveData store;
+    SoundModel model{2, MakeNoise(1, 2000)};
+    Fill(store, model);
+    ASSERT_TRUE(store.InsertSpace(1200, 1200, 800));
+    model.Insert(300, std::vector<int16_t>(400));
+    ExpectSameSound(store, model);
+    EXPECT_EQ(store.TempFiles().size(), 3U);
+}
+
+TEST_F(StoreTest, RoomMayLieAnywhereInTheRangeThatIsOverwritten)
+{
+    CWaveData store;
+    Fill(store, {1, MakeRamp(3000)});
+    ASSERT_TRUE(store.InsertSpace(2000, 2000, 400)); // files now end at 1000, 1200 and 3200
+    ASSERT_TRUE(store.InsertSpace(1000, 5000, 600)); // from one file into another
+    EXPECT_EQ(store.FrameCount(), 3500U);
+    EXPECT_EQ(ReadFrames(store, 0, 500), MakeRamp(500));
+    EXPECT_EQ(ReadFrames(store, 2800, 3500), MakeRamp(700, 2300));
+}
+
+TEST_F(StoreTest, RemovedFilesAreGoneAndShortenedOnesKeepTheirSize)
+{
+    CWaveData store;
+    SoundModel model{2, MakeNoise(2, 3 * Page / 2)};
+    Fill(store, model);
+    ASSERT_TRUE(store.RemoveData(400, 800));
+    model.Remove(100, 200);
+    ExpectSameSound(store, model);
+    EXPECT_EQ(std::filesystem::file_size(store.TempFiles().front().Name), Page);
+    EXPECT_EQ(store.TempFiles().front().Length, Page - 400);
+
+    ASSERT_TRUE(store.RemoveData(Page - 800, 2 * Page + 4000));
+    model.Remove(Page / 4 - 200, Page / 2 + 1000);
+    ExpectSameSound(store, model);
+    EXPECT_EQ(m_folder.TempFileCount(), 2U);
+}
+
+TEST_F(StoreTest, ACopyLivesOnWithoutItsSource)
+{
+    CWaveData copy;
+    SoundModel model{2, MakeNoise(3, Page)};
+    {
+        CWaveData source;
+        Fill(source, model);
+        ASSERT_TRUE(source.InsertSpace(4000, 4000, 4000));
+        model.Insert(1000, std::vector<int16_t>(2000));
+        ASSERT_TRUE(source.BuildPeakCache());
+        ASSERT_TRUE(copy.CopyFrom(source));
+        EXPECT_EQ(copy.TempFiles().size(), source.TempFiles().size());
+        EXPECT_EQ(copy.WorkingFormat(), source.WorkingFormat());
+    }
+    EXPECT_TRUE(copy.TempFiles().front().Name.filename().string().starts_with(".ekecdf"));
+    ExpectSameSound(copy, model);
+    ExpectSamePeaks(copy, model);
+}
+
+TEST_F(StoreTest, AnEightBitFormatIsHeldAsSixteenBit)
+{
+    WAVEFORMATEXTENSIBLE format = MakePcm16Format(8000, 2);
+    format.wBitsPerSample = 8;
+    format.nBlockAlign = 2;
+    format.nAvgBytesPerSec = 16000;
+    StreamProperties properties;
+    properties.Bytes[7] = 9;
+    CWaveData store;
+    EXPECT_TRUE(store.SetFormat(format, &properties));
+    EXPECT_EQ(store.SourceFormat(), format);
+    EXPECT_EQ(store.WorkingFormat().wBitsPerSample, 16);
+    EXPECT_EQ(store.BlockAlign(), 4U);
+    EXPECT_EQ(store.WorkingFormat().nAvgBytesPerSec, 32000U);
+    EXPECT_EQ(store.StreamProps(), properties);
+}
+
+class StreamTest : public StoreTest {
+protected:
+    void SetUp() override { ASSERT_TRUE(m_file.CreateNew(m_folder.Path() / "record").Ok()); }
+
+    /// Whether a store can be filled from what stands in the file; it must be empty otherwise.
+    bool Loads()
+    {
+        CWaveData store;
+        uint64_t position = 0;
+        const bool loaded = store.ReadFromStream(m_file, position);
+        EXPECT_EQ(store.FrameCount() != 0, loaded);
+        EXPECT_EQ(store.TempFiles().empty(), !loaded);
+        return loaded;
+    }
+
+    File m_file;
+};
+
+TEST_F(StreamTest, ARecordIsTwoFormatsThePropertiesTheCountAndTheBytes)
+{
+    CWaveData store;
+    const SoundModel model{2, MakeNoise(4, 100000)};
+    Fill(store, model);
+    uint64_t position = 16;
+    ASSERT_TRUE(store.WriteToStream(m_file, position));
+    EXPECT_EQ(position, 16 + 40 + 40 + 4100 + 8 + 200000U);
+
+    uint8_t count[8];
+    ASSERT_TRUE(m_file.ReadAllAt(count, 8, 16 + 4180).Ok());
+    EXPECT_EQ(count[0] + 256 * count[1], 50000);
+
+    CWaveData loaded;
+    uint64_t readPosition = 16;
+    ASSERT_TRUE(loaded.ReadFromStream(m_file, readPosition));
+    EXPECT_EQ(readPosition, position);
+    EXPECT_EQ(loaded.SourceFormat(), store.SourceFormat());
+    ExpectSameSound(loaded, model);
+    ExpectSamePeaks(loaded, model);
+}
+
+TEST_F(StreamTest, ARecordThatIsEmptyCutOrAbsurdLeavesTheStoreEmpty)
+{
+    CWaveData store;
+    store.SetFormat(MakePcm16Format(44100, 2), nullptr);
+    uint64_t position = 0;
+    ASSERT_TRUE(store.WriteToStream(m_file, position));
+    EXPECT_FALSE(Loads());
+
+    const uint64_t frames = 1000;
+    ASSERT_TRUE(m_file.WriteAt(&frames, 8, 4180).Ok());
+    ASSERT_TRUE(m_file.Resize(4188 + 3999).Ok());
+    EXPECT_FALSE(Loads());
+    ASSERT_TRUE(m_file.Resize(4188 + 4000).Ok());
+    EXPECT_TRUE(Loads());
+
+    const uint64_t absurd = uint64_t{1} << 62; // times four bytes a frame is 0 in 64 bits
+    ASSERT_TRUE(m_file.WriteAt(&absurd, 8, 4180).Ok());
+    EXPECT_FALSE(Loads());
+    const uint16_t noBlockAlign = 0;
+    ASSERT_TRUE(m_file.WriteAt(&frames, 8, 4180).Ok());
+    ASSERT_TRUE(m_file.WriteAt(&noBlockAlign, 2, 40 + 12).Ok());
+    EXPECT_FALSE(Loads());
+    EXPECT_EQ(m_folder.TempFileCount(), 0U);
+}
+
+} // namespace
+} // namespace ek

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "../platform/ScratchFolder.h"
+#include "debugmanager/DebugManager.h"
+#include "skinmanager/SkinColors.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <set>
+#include <thread>
+
+namespace ek::test {
+namespace {
+
+class LogTest : public testing::Test {
+protected:
+    std::string Content() const { return ReadText(m_log); }
+
+    ScratchFolder m_folder;
+    ScopedVariable m_state{"XDG_STATE_HOME", m_folder.Path().c_str()};
+    std::filesystem::path m_log = m_folder / "ek-wave-editor" / "editor.log";
+    CDebugManager m_manager;
+};
+
+TEST_F(LogTest, ALineHoldsSourceLevelAndText)
+{
+    EXPECT_FALSE(std::filesystem::exists(m_log)) << "nothing was said yet";
+    m_manager.WriteLogMessage("Source", LogError, "Error! Position: %I64x {} %s", uint64_t{0x123456789A}, "x");
+    m_manager.WriteLogMessage("Source", LogTree, "tree");
+    m_manager.WriteLogMessage("Source", "plain %d", 5);
+    const std::string content = Content();
+    EXPECT_NE(content.find(" error Source: Error! Position: 123456789a {} x\n"), std::string::npos) << content;
+    EXPECT_NE(content.find(" Source: tree\n"), std::string::npos) << content;
+    EXPECT_NE(content.find(" info Source: plain 5\n"), std::string::npos) << content;
+}
+
+TEST_F(LogTest, TheLogIsRotatedAndItsSizeBounded)
+{
+    for (int i = 0; i < 100; ++i)
+        m_manager.WriteLogMessage("Source", LogInformation, "%s", std::string(100000, 'x').c_str());
+    int files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(m_log.parent_path())) {
+        ++files;
+        EXPECT_LE(entry.file_size(), uintmax_t{2} << 20);
+    }
+    EXPECT_EQ(files, 3);
+}
+
+TEST_F(LogTest, LinesOfSeveralThreadsStayWhole)
+{
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([this] {
+            for (int i = 0; i < 200; ++i)
+                m_manager.WriteLogMessage("Source", LogInformation, "%s", std::string(300, 'x').c_str());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    const std::string content = Content();
+    size_t lines = 0;
+    for (size_t at = 0; (at = content.find("Source: " + std::string(300, 'x') + "\n", at)) != content.npos; ++at)
+        ++lines;
+    EXPECT_EQ(lines, 800u);
+}
+
+TEST_F(LogTest, ALogThatCannotBeOpenedDisturbsNobody)
+{
+    WriteText(m_folder / "ek-wave-editor", "a file where the folder would be");
+    m_manager.CollectLines();
+    m_manager.WriteLogMessage("Source", LogError, "first");
+    m_manager.WriteLogMessage("Source", "second");
+    const std::vector<CDebugManager::Line> lines = m_manager.TakeLines();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0].Text, "first");
+    EXPECT_EQ(lines[0].Level, LogError);
+    EXPECT_EQ(lines[1].Level, LogInformation);
+    EXPECT_TRUE(m_manager.TakeLines().empty());
+}
+
+TEST(SkinColorsTest, NamesAndIdsAreOneToOne)
+{
+    std::set<uint32_t> ids;
+    for (const SkinColorName& color : SkinColorNames()) {
+        EXPECT_TRUE(color.Name.starts_with("COLOR_"));
+        EXPECT_EQ(SkinColorId(color.Name), color.Id);
+        ids.insert(color.Id);
+    }
+    EXPECT_EQ(ids.size(), 38u);
+    EXPECT_FALSE(ids.contains(25));
+    EXPECT_EQ(SkinColorId("color_editor_wave_hor_lines"), COLOR_EDITOR_WAVE_HOR_LINES);
+    EXPECT_EQ(SkinColorId("COLOR_WINDOWTEXT"), 8u);
+    EXPECT_EQ(SkinColorId("COLOR_NONE"), std::nullopt);
+    EXPECT_EQ(DefaultSkinColor(25), 0u);
+}
+
+double Luminance(uint32_t id)
+{
+    double sum = 0;
+    const double weights[] = {0.2126, 0.7152, 0.0722}; // red, green, blue
+    for (int part = 0; part < 3; ++part) {
+        const double value = (DefaultSkinColor(id) >> (8 * part) & 0xFF) / 255.0;
+        sum += weights[part] * (value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4));
+    }
+    return sum;
+}
+
+TEST(SkinColorsTest, EverythingThatIsReadStandsOutFromItsBackground)
+{
+    const uint32_t text = *SkinColorId("COLOR_WINDOWTEXT");
+    const std::vector<std::pair<uint32_t, uint32_t>> pairs = {
+        {COLOR_EDITOR_WAVE, COLOR_EDITOR_WAVE_BG},
+        {text, *SkinColorId("COLOR_BACKGROUND")},
+        {text, *SkinColorId("COLOR_BTNSHADOW")},
+        {text, COLOR_EDITOR_GRADIENT2},
+        {text, COLOR_EDITOR_TAB_INACTIVE},
+        {text, COLOR_EDITOR_POS_SELECTION},
+        {*SkinColorId("COLOR_HIGHLIGHTTEXT"), *SkinColorId("COLOR_HIGHLIGHT")},
+    };
+    for (const auto& [front, back] : pairs) {
+        const auto [darker, brighter] = std::minmax({Luminance(front), Luminance(back)});
+        EXPECT_GE((brighter + 0.05) / (darker + 0.05), 4.5) << front << " on " << back;
+    }
+}
+
+} // namespace
+} // namespace ek::test

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ViewFixture.h"
+
+#include "resources/CommandIds.h"
+
+#include <QProcess>
+
+namespace ek {
+namespace {
+
+/// These run at the scale of the process: here at 1, and once more in a process for each other scale.
+class AtThisScale : public ViewFixture {};
+
+TEST_F(AtThisScale, WhatIsOnTheScreenIsWhatWasDrawnPixelByPixel)
+{
+    Load(5000, 2);
+    QWidget window; // an odd place in a window, which need not be a whole device pixel
+    View.setParent(&window);
+    View.OnInitialUpdate();
+    View.setGeometry(3, 5, 601, 403);
+    window.resize(650, 450);
+    window.show();
+    Run(ID_ZOOM_RATIO_FIRST);
+    const double scale = window.devicePixelRatioF();
+    EXPECT_EQ(View.DisplayScale(), scale);
+    const QImage drawn = DrawnImage();
+    const QImage screen = window.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    View.setParent(nullptr);
+    const QPoint origin(qRound(3 * scale), qRound(5 * scale));
+    for (const Rect& part : {View.Places().Wave, View.Places().Amplitude, View.Places().Overview}) {
+        const QRect rect = ToQRect(part);
+        EXPECT_EQ(screen.copy(rect.translated(origin)), drawn.copy(rect));
+    }
+}
+
+TEST_F(AtThisScale, EveryDevicePixelHasItsColumn)
+{
+    Load(5000, 1, [](uint64_t frame, uint32_t) { return frame % 2 ? 20'000 : -20'000; });
+    Show();
+    Run(ID_ZOOM_RATIO_FIRST);
+    const Rect wave = View.Places().Wave;
+    EXPECT_NEAR(wave.Width(), (WindowWidth - 28) * View.DisplayScale(), 30 * View.DisplayScale());
+    const QImage image = DrawnImage();
+    const int y = wave.Top + wave.Height() / 8 * 3; // above the zero line
+    for (int x = wave.Left + 1; x < wave.Right - 1; ++x)
+        ASSERT_EQ(image.pixel(x, y), image.pixel(x + (x < wave.Right - 3 ? 2 : -2), y)) << x;
+    EXPECT_EQ(Sound.Columns().ColumnCount(), static_cast<uint32_t>(wave.Width()));
+}
+
+TEST_F(AtThisScale, NoControlCoversAPanel)
+{
+    Load(5000, 2);
+    for (int size = 300; size < 308; ++size) {
+        Show(size, size);
+        const DevicePixels device{View.DisplayScale()};
+        for (const auto* child : View.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+            if (qobject_cast<const QToolButton*>(child))
+                continue; // lies on the tool panel
+            const QRectF place(child->geometry());
+            const double tolerance = 1e-6;
+            EXPECT_TRUE(place.left() * device.Scale >= View.Places().Wave.Right - tolerance ||
+                        place.top() * device.Scale >= View.Places().Wave.Bottom - tolerance)
+                << child->metaObject()->className() << " at " << size;
+        }
+    }
+}
+
+class DisplayScale : public testing::TestWithParam<const char*> {};
+
+TEST_P(DisplayScale, TheViewIsExact)
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QT_SCALE_FACTOR", GetParam());
+    process.setProcessEnvironment(environment);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(QCoreApplication::applicationFilePath(), {"--gtest_filter=AtThisScale.*"});
+    ASSERT_TRUE(process.waitForFinished(300'000));
+    EXPECT_EQ(process.exitCode(), 0) << process.readAll().toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Scales, DisplayScale, testing::Values("1.25", "1.5", "1.75", "2"));
+
+} // namespace
+} // namespace ek

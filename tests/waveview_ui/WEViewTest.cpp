@@ -1,0 +1,240 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ViewFixture.h"
+
+#include "resources/CommandIds.h"
+#include "skincontrols/Skin.h"
+
+#include <QLabel>
+#include <QToolButton>
+
+#include <random>
+
+namespace ek {
+namespace {
+
+class WEView : public ViewFixture {};
+
+TEST_F(WEView, ANewSoundIsShownWholeInTheSizeThatTheViewGets)
+{
+    Load(100'000, 2);
+    Show();
+    const auto width = static_cast<uint64_t>(Geometry().WavePanelWidth);
+    EXPECT_GE(Geometry().Span(), 100'000u);
+    EXPECT_LT(width * Geometry().FramesPerPixel / 2, 100'000u);
+    EXPECT_EQ(View.findChild<QLabel*>()->text(), QString("1:%1").arg(Geometry().FramesPerPixel));
+    EXPECT_EQ(ActiveFormat, Sound.Format());
+
+    const uint32_t before = Geometry().FramesPerPixel;
+    View.resize(WindowWidth / 4, 400); // seen already: the zoom stays
+    EXPECT_EQ(Geometry().FramesPerPixel, before);
+}
+
+TEST_F(WEView, AnEmptyDocumentShowsWorkspaceAndOffersNothing)
+{
+    View.OnInitialUpdate();
+    Show();
+    const QPoint middle = MiddleOf(View.Places().Wave);
+    EXPECT_EQ(View.grab().toImage().pixelColor(middle), SkinColorOf(COLOR_EDITOR_WORKSPACE));
+    EXPECT_FALSE(Bar(Qt::Horizontal).isEnabled());
+    for (const uint32_t id : {ID_ZOOM_IN, ID_ZOOM_OUT, ID_ZOOM_FULL, ID_FIT_SELECTION, ID_OVERVIEW})
+        EXPECT_FALSE(Run(id)) << id;
+    Wheel(middle, {0, 120});
+    QTest::mouseClick(&View, Qt::LeftButton, {}, MiddleOf(View.Places().Overview));
+    EXPECT_EQ(Geometry().CursorFrame, WaveGeometry::NoFrame);
+}
+
+TEST_F(WEView, ZoomCommandsFollowTheirUpdateRules)
+{
+    Load(300, 1); // shorter than the panel
+    Show();
+    EXPECT_EQ(Geometry().FramesPerPixel, 1u);
+    EXPECT_FALSE(Run(ID_ZOOM_IN));
+    EXPECT_FALSE(Run(ID_ZOOM_OUT));
+    EXPECT_TRUE(Run(ID_ZOOM_RATIO_FIRST + 3));
+    EXPECT_EQ(Geometry().FramesPerPixel, 8u);
+    EXPECT_EQ(View.findChild<QLabel*>()->text(), "1:8");
+    EXPECT_TRUE(Run(ID_ZOOM_IN));
+    EXPECT_EQ(Geometry().FramesPerPixel, 4u);
+    // 75 columns of data, then workspace
+    const QImage image = DrawnImage();
+    const Rect& wave = View.Places().Wave;
+    EXPECT_EQ(image.pixelColor(wave.Left + 74, wave.Top), SkinColorOf(COLOR_EDITOR_WAVE_BG));
+    EXPECT_EQ(image.pixelColor(wave.Left + 75, wave.Top), SkinColorOf(COLOR_EDITOR_WORKSPACE));
+}
+
+TEST_F(WEView, WheelZoomsAtThePointerAlsoInFractionsOfANotch)
+{
+    Load(200'000, 1);
+    Show();
+    const uint32_t whole = Geometry().FramesPerPixel;
+    const QPoint place(View.Places().Wave.Left + 150, 200);
+    const auto frame = static_cast<double>(Geometry().XToFrame(place.x()));
+    for (int i = 0; i < 16; ++i)
+        Wheel(place, {0, 30}); // a touchpad's four notches
+    EXPECT_EQ(Geometry().FramesPerPixel, whole / 16);
+    EXPECT_NEAR(static_cast<double>(Geometry().XToFrame(place.x())), frame, 2.0 * whole);
+    Wheel(place, {0, -240});
+    EXPECT_EQ(Geometry().FramesPerPixel, whole / 4);
+}
+
+TEST_F(WEView, ShiftAndTheHorizontalWheelScroll)
+{
+    Load(200'000, 1);
+    Show();
+    Run(ID_ZOOM_RATIO_FIRST);
+    const QPoint place = MiddleOf(View.Places().Wave);
+    const uint64_t notch = 3 * Geometry().LineStep();
+    Wheel(place, {0, -120}, Qt::ShiftModifier);
+    EXPECT_EQ(Geometry().FirstVisibleFrame, notch);
+    Wheel(place, {-60, 10});
+    Wheel(place, {-60, 0});
+    EXPECT_EQ(Geometry().FirstVisibleFrame, 2 * notch);
+    EXPECT_EQ(Geometry().FramesPerPixel, 1u);
+    EXPECT_EQ(Bar(Qt::Horizontal).value(), static_cast<int>(2 * notch));
+    Wheel(place, {0, 12'000}, Qt::ShiftModifier);
+    EXPECT_EQ(Geometry().FirstVisibleFrame, 0u);
+}
+
+TEST_F(WEView, HorizontalScrollBarMovesByStepPageAndToBothEnds)
+{
+    Load(100'001, 1);
+    Show();
+    Run(ID_ZOOM_RATIO_FIRST + 2);
+    QScrollBar& bar = Bar(Qt::Horizontal);
+    const auto width = static_cast<int>(Geometry().WavePanelWidth);
+    EXPECT_EQ(bar.maximum(), 25'001 - width);
+    EXPECT_EQ(bar.pageStep(), width);
+    bar.triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    EXPECT_EQ(Geometry().FirstVisibleFrame, 4u * static_cast<uint64_t>(width / 20));
+    bar.triggerAction(QAbstractSlider::SliderToMaximum);
+    EXPECT_EQ(Geometry().FirstVisibleFrame, 4u * static_cast<uint64_t>(25'001 - width));
+    bar.triggerAction(QAbstractSlider::SliderPageStepSub);
+    EXPECT_EQ(Geometry().FirstVisibleFrame, 4u * static_cast<uint64_t>(25'001 - 2 * width));
+}
+
+TEST_F(WEView, VerticalZoomAndScrollChooseTheChannels)
+{
+    Load(1000, 6);
+    Show();
+    EXPECT_EQ(Sound.VisibleChannelCount, 6u);
+    EXPECT_FALSE(Run(ID_ZOOM_OUT_VERTICAL));
+    for (int i = 0; i < 4; ++i)
+        EXPECT_TRUE(Run(ID_ZOOM_IN_VERTICAL));
+    EXPECT_EQ(Bar(Qt::Vertical).maximum(), 4);
+    Bar(Qt::Vertical).setValue(4);
+    EXPECT_EQ(Sound.FirstVisibleChannel, 4u);
+    Run(ID_ZOOM_OUT_VERTICAL);
+    EXPECT_EQ(Sound.FirstVisibleChannel, 3u);
+    EXPECT_EQ(Bar(Qt::Vertical).value(), 3);
+}
+
+TEST_F(WEView, AmplitudePanelScalesByWheelAndShiftsByDragging)
+{
+    Load(1000, 1);
+    Show();
+    const QPoint place = MiddleOf(View.Places().Amplitude);
+    Wheel(place, {0, 120});
+    EXPECT_EQ(Sound.AmplitudeScale, 80u);
+    EXPECT_FALSE(Sound.AmplitudeScale == 100 || !Run(ID_SCALE_IN));
+    EXPECT_EQ(Sound.AmplitudeScale, 60u);
+
+    QTest::mousePress(&View, Qt::LeftButton, {}, place);
+    QTest::mouseMove(&View, place + QPoint(0, 30));
+    EXPECT_EQ(View.VerticalOffset(), 30);
+    QTest::mouseMove(&View, place + QPoint(0, 3000));
+    const int half = View.Places().Wave.Height() / 2 - 5;
+    EXPECT_EQ(View.VerticalOffset(), half * 100 / 60 - half);
+    QTest::mouseRelease(&View, Qt::LeftButton, {}, place);
+    Wheel(place, {0, -120});
+    EXPECT_EQ(View.VerticalOffset(), half * 100 / 80 - half); // clamped again
+    Run(ID_CENTER_VIEW);
+    EXPECT_EQ(View.VerticalOffset(), 0);
+    Run(ID_SCALE_FULL);
+    EXPECT_EQ(Sound.AmplitudeScale, 100u);
+    EXPECT_FALSE(Run(ID_SCALE_OUT));
+}
+
+TEST_F(WEView, OverviewMovesTheCursorAndDragsTheVisibleRange)
+{
+    Load(1'000'000, 2);
+    Show();
+    Run(ID_ZOOM_RATIO_FIRST + 5);
+    const Rect strip = View.Places().Overview;
+    QTest::mouseClick(&View, Qt::LeftButton, {}, MiddleOf(strip));
+    EXPECT_NEAR(static_cast<double>(Geometry().CursorFrame), 479'000, 3000); // the data starts at the inset
+    EXPECT_GT(Geometry().FirstVisibleFrame, 400'000u);
+
+    const uint64_t before = Geometry().FirstVisibleFrame;
+    const QPoint box(static_cast<int>(OverviewStrip{strip, 28}.FrameToX(before + 2000, 1'000'000)), 8);
+    QTest::mousePress(&View, Qt::LeftButton, {}, box);
+    QTest::mouseMove(&View, box + QPoint(50, 100));
+    QTest::mouseRelease(&View, Qt::LeftButton, {}, box);
+    EXPECT_EQ(Geometry().FirstVisibleFrame, (before + 50u * 1'000'000 / strip.Width()) / 32 * 32);
+}
+
+TEST_F(WEView, OverviewButtonExpandsTheStrip)
+{
+    Load(1000, 6);
+    Show();
+    auto* button = View.findChild<QToolButton*>();
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_EQ(View.Places().Overview.Height(), 12 * 6 + 2);
+    EXPECT_TRUE(button->isChecked());
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_EQ(View.Places().Overview.Height(), 16);
+    EXPECT_FALSE(button->isChecked());
+}
+
+TEST_F(WEView, ShowsTheChangeWhenTheSoundChanged)
+{
+    Load(1000, 1, [](uint64_t, uint32_t) { return 0; });
+    Show();
+    const QImage silent = DrawnImage();
+    const std::vector<int16_t> loud(1000, 20'000);
+    ASSERT_TRUE(Sound.Store().WriteData(loud.data(), 0, 2000));
+    Sound.Notify({.What = DocumentChange::Kind::Frames, .StartFrame = 0, .OldLength = 1000, .NewLength = 1000});
+    EXPECT_NE(DrawnImage(), silent);
+
+    Load(50'000, 2);
+    Sound.VisibleChannelCount = 2;
+    Sound.Notify({.What = DocumentChange::Kind::Reset});
+    EXPECT_GE(Geometry().Span(), 50'000u);
+    EXPECT_EQ(ActiveFormat.nChannels, 2);
+}
+
+TEST_F(WEView, AfterAnyScrollTheColumnsShownAreThoseOfTheSound)
+{
+    Load(60'000, 1);
+    Show();
+    std::mt19937 random(7);
+    QScrollBar& bar = Bar(Qt::Horizontal);
+    for (int i = 0; i < 200; ++i) {
+        if (random() % 4 == 0)
+            Run(ID_ZOOM_RATIO_FIRST + random() % 8);
+        bar.setValue(static_cast<int>(random() % static_cast<unsigned>(bar.maximum() + 1)));
+        const uint64_t first = Geometry().FirstVisibleFrame;
+        ASSERT_EQ(first % Geometry().FramesPerPixel, 0u);
+        const int16_t value = Sound.Store().SampleAt(first);
+        const PeakPair column = Sound.Columns().Columns(0)[0];
+        ASSERT_LE(column.Min, value);
+        ASSERT_GE(column.Max, value);
+        ASSERT_TRUE(Geometry().FramesPerPixel > 1 || column.Min == column.Max);
+    }
+}
+
+TEST_F(WEView, TheRatioMenuDisablesWhatWouldShowTooLittle)
+{
+    Load(10'000, 1);
+    Show();
+    QTest::mousePress(View.findChild<QLabel*>(), Qt::LeftButton);
+    auto* menu = View.findChild<QMenu*>();
+    ASSERT_NE(menu, nullptr);
+    ASSERT_EQ(menu->actions().size(), 20);
+    EXPECT_FALSE(menu->actions().first()->isEnabled());
+    EXPECT_TRUE(menu->actions().last()->isEnabled());
+    menu->actions().last()->trigger();
+    EXPECT_EQ(Geometry().FramesPerPixel, 1u);
+}
+
+} // namespace
+} // namespace ek
