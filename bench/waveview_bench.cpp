@@ -101,6 +101,7 @@ public:
             m_view.OnCmdMsg(id, CN_COMMAND, nullptr);
             met &= MeasureRepaint();
         }
+        m_view.OnCmdMsg(ID_ZOOM_RATIO_FIRST, CN_COMMAND, nullptr);
         m_view.OnCmdMsg(ID_ZOOM_FULL, CN_COMMAND, nullptr);
         met &= MeasureRepaint();
         for (const uint32_t power : {0U, 7U}) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/HostWindow.h"
 
+#include "host/DesktopTheme.h"
 #include "host/ModuleLoop.h"
 #include "host/ModuleMenu.h"
 #include "host/OpenRequest.h"
@@ -34,8 +35,9 @@ constexpr char GeometryKey[] = "Geometry";
 } // namespace
 
 HostWindow::HostWindow(const ModuleExports& module, SettingsStore& settings, const HostWindowOptions& options)
-    : m_module(module), m_desktop(options.AskDesktop), m_services(settings), m_objects(m_services, m_skin),
-      m_skins(new SkinChoice(m_skin, m_services, m_desktop, options.SkinOfThisRun, this)),
+    : m_module(module), m_desktop(std::make_unique<DesktopTheme>(options.AskDesktop)), m_services(settings),
+      m_objects(m_services, m_skin),
+      m_skins(new SkinChoice(m_skin, m_services, *m_desktop, options.SkinOfThisRun, this)),
       m_menu(new ModuleMenu(module, *menuBar())), m_quit(new QAction(tr("&Quit"), this)), m_page(new QWidget(this))
 {
     m_menu->setParent(this);
@@ -162,11 +164,11 @@ void HostWindow::Settle()
 
 bool HostWindow::event(QEvent* event)
 {
-    if (event->type() == MessageEvent::Kind && TakeMessage(*static_cast<MessageEvent*>(event))) {
-        event->accept();
-        return true;
-    }
-    return QMainWindow::event(event);
+    if (event->type() != MessageEvent::Kind)
+        return QMainWindow::event(event);
+    const bool isTaken = TakeMessage(*static_cast<MessageEvent*>(event));
+    event->setAccepted(isTaken);
+    return isTaken;
 }
 
 bool HostWindow::TakeMessage(const MessageEvent& message)

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "host/DesktopTheme.h"
 #include "host/HostServices.h"
 #include "host/HostSkin.h"
 #include "host/Module.h"
@@ -16,6 +15,7 @@
 
 namespace ek {
 
+class DesktopTheme;
 class MessageEvent;
 class ModuleLoop;
 class ModuleMenu;
@@ -67,7 +67,7 @@ private:
     void FreeModule();
 
     const ModuleExports& m_module;
-    DesktopTheme m_desktop;
+    std::unique_ptr<DesktopTheme> m_desktop;
     HostSkin m_skin;
     HostServices m_services;
     HostObjects m_objects;

@@ -5,7 +5,6 @@
 set -euo pipefail
 build=$1
 shift
-suppressions=$(cd "$(dirname "$0")" && pwd)
 
 # Tests meet no settings of the person who runs them and leave none behind.
 home=$(mktemp -d)
@@ -15,7 +14,6 @@ export XDG_CACHE_HOME=$home/cache XDG_RUNTIME_DIR=$home/runtime
 mkdir -m 0700 "$XDG_RUNTIME_DIR"
 
 export ASAN_OPTIONS=detect_leaks=1:halt_on_error=1:strict_string_checks=1:detect_stack_use_after_return=1
-export LSAN_OPTIONS=suppressions=$suppressions/lsan.supp:print_suppressions=0
 export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
 # Qt and the codecs are not instrumented: what they do among themselves cannot be judged.
 export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1:ignore_noninstrumented_modules=1

@@ -24,7 +24,8 @@ std::string TemplateName(uint32_t stringId)
 } // namespace
 
 CEkEditorApp::CEkEditorApp()
-    : m_waveTemplateName(TemplateName(IDS_WAVE_TEMPLATE)), m_multitrackTemplateName(TemplateName(IDS_MULTITRACK_TEMPLATE))
+    : m_waveTemplateName(TemplateName(IDS_WAVE_TEMPLATE)),
+      m_multitrackTemplateName(TemplateName(IDS_MULTITRACK_TEMPLATE))
 {
     m_templates.push_back(
         std::make_unique<CDocTemplate>(LoadString(IDS_WAVE_TEMPLATE), [] { return std::make_unique<CWEDoc>(); }));
@@ -32,9 +33,8 @@ CEkEditorApp::CEkEditorApp()
 
 CDocTemplate* CEkEditorApp::FindTemplate(std::string_view documentName) const
 {
-    const auto found = std::ranges::find(m_templates, documentName, [](const auto& held) -> const std::string& {
-        return held->DocumentName();
-    });
+    const auto found = std::ranges::find(m_templates, documentName,
+                                         [](const auto& held) -> const std::string& { return held->DocumentName(); });
     return found == m_templates.end() ? nullptr : found->get();
 }
 

@@ -35,7 +35,7 @@ WorkResult CWaveDataProcessor::Work(CProgressDlg& progress)
         if (!m_callback(buffer.data(), firstFrame, frames))
             return WorkResult::Failed;
         progress.SetPos(static_cast<uint32_t>(done * 100 / m_count));
-        if (m_cancellable && progress.IsCancelled())
+        if (progress.IsCancelled())
             return WorkResult::Cancelled;
     }
     return WorkResult::Finished;

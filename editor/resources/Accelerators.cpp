@@ -17,24 +17,15 @@ constexpr uint32_t Shift = 0x02000000;
 constexpr uint32_t Ctrl = 0x04000000;
 
 constexpr Accelerator Entries[] = {
-    {'*', None, true, ID_FIT_SELECTION},
-    {'/', None, true, ID_ZOOM_FULL},
-    {'+', None, true, ID_ZOOM_IN},
-    {'-', None, true, ID_ZOOM_OUT},
-    {'A', Ctrl, false, ID_SELECT_ALL},
-    {KeyF4, Ctrl, false, ID_CLOSE_WINDOW},
-    {KeyTab, Ctrl, false, ID_NEXT_WINDOW},
-    {KeyTab, Ctrl | Shift, false, ID_PREVIOUS_WINDOW},
-    {'C', Ctrl, false, ID_EDIT_COPY},
-    {'X', Ctrl, false, ID_EDIT_CUT},
-    {'V', Ctrl, false, ID_EDIT_PASTE},
-    {'Y', Ctrl, false, ID_EDIT_REDO},
-    {'Z', Ctrl, false, ID_EDIT_UNDO},
-    {'N', Ctrl, false, ID_FILE_NEW},
-    {'N', Ctrl | Shift, false, ID_FILE_NEW},
-    {'O', Ctrl, false, ID_FILE_OPEN},
-    {'S', Ctrl, false, ID_FILE_SAVE},
-    {'S', Ctrl | Shift, false, ID_FILE_SAVE_AS},
+    {'*', None, true, ID_FIT_SELECTION},     {'/', None, true, ID_ZOOM_FULL},
+    {'+', None, true, ID_ZOOM_IN},           {'-', None, true, ID_ZOOM_OUT},
+    {'A', Ctrl, false, ID_SELECT_ALL},       {KeyF4, Ctrl, false, ID_CLOSE_WINDOW},
+    {KeyTab, Ctrl, false, ID_NEXT_WINDOW},   {KeyTab, Ctrl | Shift, false, ID_PREVIOUS_WINDOW},
+    {'C', Ctrl, false, ID_EDIT_COPY},        {'X', Ctrl, false, ID_EDIT_CUT},
+    {'V', Ctrl, false, ID_EDIT_PASTE},       {'Y', Ctrl, false, ID_EDIT_REDO},
+    {'Z', Ctrl, false, ID_EDIT_UNDO},        {'N', Ctrl, false, ID_FILE_NEW},
+    {'N', Ctrl | Shift, false, ID_FILE_NEW}, {'O', Ctrl, false, ID_FILE_OPEN},
+    {'S', Ctrl, false, ID_FILE_SAVE},        {'S', Ctrl | Shift, false, ID_FILE_SAVE_AS},
 };
 
 constexpr AcceleratorTable Table{Entries, std::size(Entries)};

@@ -9,7 +9,10 @@ namespace ek {
 
 namespace {
 
-#define EK_COMMAND(symbol, icon, statusText, toolTip, keys) {symbol, #symbol, icon, statusText, toolTip, keys}
+#define EK_COMMAND(symbol, icon, statusText, toolTip, keys)                                                            \
+    {                                                                                                                  \
+        symbol, #symbol, icon, statusText, toolTip, keys                                                               \
+    }
 
 constexpr CommandInfo Table[] = {
     EK_COMMAND(ID_ZOOM_IN, "zoom-in", "Zoom In", "Zoom In", "Num +"),

@@ -69,10 +69,28 @@ constexpr MenuItem AmplitudeMenu[] = {
 };
 
 constexpr uint32_t MainToolBar[] = {
-    ID_FILE_OPEN, ID_FILE_NEW,   ID_NEW_MULTITRACK, ID_CLOSE_WINDOW, ID_FILE_SAVE,     0,
-    ID_EDIT_CUT,  ID_EDIT_COPY,  ID_EDIT_PASTE,     ID_PASTE_MIX,    0,                ID_EDIT_UNDO,
-    ID_EDIT_REDO, 0,             ID_ZOOM_IN,        ID_ZOOM_OUT,     ID_ZOOM_FULL,     ID_FIT_SELECTION,
-    ID_ZOOM_IN_VERTICAL, ID_ZOOM_OUT_VERTICAL, ID_SCALE_IN, ID_SCALE_OUT,
+    ID_FILE_OPEN,
+    ID_FILE_NEW,
+    ID_NEW_MULTITRACK,
+    ID_CLOSE_WINDOW,
+    ID_FILE_SAVE,
+    0,
+    ID_EDIT_CUT,
+    ID_EDIT_COPY,
+    ID_EDIT_PASTE,
+    ID_PASTE_MIX,
+    0,
+    ID_EDIT_UNDO,
+    ID_EDIT_REDO,
+    0,
+    ID_ZOOM_IN,
+    ID_ZOOM_OUT,
+    ID_ZOOM_FULL,
+    ID_FIT_SELECTION,
+    ID_ZOOM_IN_VERTICAL,
+    ID_ZOOM_OUT_VERTICAL,
+    ID_SCALE_IN,
+    ID_SCALE_OUT,
 };
 
 } // namespace

@@ -19,9 +19,9 @@ struct MenuItem {
 };
 
 enum MenuId : uint32_t {
-    MENU_MAIN = 1008,        ///< the lines are the top-level submenus
-    MENU_ZOOM_RATIO = 1171,  ///< "1 : 524288" down to "1 : 1"
-    MENU_AMPLITUDE = 1310,   ///< of the amplitude panel
+    MENU_MAIN = 1008,       ///< the lines are the top-level submenus
+    MENU_ZOOM_RATIO = 1171, ///< "1 : 524288" down to "1 : 1"
+    MENU_AMPLITUDE = 1310,  ///< of the amplitude panel
 };
 
 std::span<const MenuItem> LoadMenu(uint32_t menuId); ///< empty for an unknown id

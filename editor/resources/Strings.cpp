@@ -24,14 +24,12 @@ constexpr Text Table[] = {
     {IDS_EFFECTS_TREE, "Effects Library"},
     {IDS_PASSED_MESSAGE, "Message: %s"},
     {IDS_MODULE_NAME, "Ek Wave Editor"},
-    {IDS_HOST_TOO_OLD,
-     "You have Ek MP3 Vantler frame version %s.\nYou need at least version 1.0 to use this module."},
+    {IDS_HOST_TOO_OLD, "You have Ek MP3 Vantler frame version %s.\nYou need at least version 1.0 to use this module."},
     {IDS_CANNOT_OPEN_FILE, "Can't open file %s"},
     {IDS_NO_MULTITRACK, "Multitrack sessions are not available in this version."},
     {IDS_SOUND_FORMAT, "Sound Format"},
     {IDS_REPLACE_FILE, "%s already exists.\nDo you want to replace it?"},
-    {IDS_LICENCE,
-     "Free software under the GNU General Public License, version 3 or later. It comes with no warranty."},
+    {IDS_LICENCE, "Free software under the GNU General Public License, version 3 or later. It comes with no warranty."},
 };
 
 } // namespace

@@ -36,9 +36,7 @@ private:
     {
         QStyleOptionToolButton option;
         initStyleOption(&option);
-        return style()
-            ->subControlRect(QStyle::CC_ToolButton, &option, QStyle::SC_ToolButtonMenu, this)
-            .contains(at);
+        return style()->subControlRect(QStyle::CC_ToolButton, &option, QStyle::SC_ToolButtonMenu, this).contains(at);
     }
 
     std::function<void()> m_request;

@@ -7,9 +7,7 @@
 
 namespace ek {
 
-CMDIFrameWnd::CMDIFrameWnd(QWidget* parent) : QMainWindow(parent, Qt::Widget)
-{
-}
+CMDIFrameWnd::CMDIFrameWnd(QWidget* parent) : QMainWindow(parent, Qt::Widget) {}
 
 void CMDIFrameWnd::SetClient(QMdiArea* client)
 {

@@ -26,8 +26,7 @@ int ContainerOf(int sfFormat)
 bool Has32BitSizes(int sfFormat)
 {
     const int container = ContainerOf(sfFormat);
-    return container == SF_FORMAT_WAV || container == SF_FORMAT_WAVEX || container == SF_FORMAT_AIFF ||
-           container == SF_FORMAT_AU;
+    return container == SF_FORMAT_WAV || container == SF_FORMAT_WAVEX || container == SF_FORMAT_AIFF;
 }
 
 void ReplaceContainer(CoderPlan& plan, int container)

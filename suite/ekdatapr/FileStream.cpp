@@ -40,8 +40,15 @@ void FileStream::WritePrefix(std::string_view bytes)
     m_origin = m_position;
 }
 
+bool FileStream::Peek(void* buffer, uint64_t bytes, uint64_t position) const
+{
+    return m_file.ReadAllAt(buffer, bytes, m_origin + position).Ok();
+}
+
 uint64_t FileStream::Read(void* buffer, uint64_t bytes)
 {
+    if (m_maxBytes > 0)
+        return 0; // a stream that is being written
     uint64_t done = ReadBuffered(static_cast<uint8_t*>(buffer), bytes);
     while (done < bytes) {
         uint8_t* const place = static_cast<uint8_t*>(buffer) + done;

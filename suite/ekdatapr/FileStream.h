@@ -27,6 +27,8 @@ public:
     /// The bytes transferred; fewer than asked at the end of the file and on failure.
     uint64_t Read(void* buffer, uint64_t bytes);
     uint64_t Write(const void* data, uint64_t bytes);
+    /// Reads a range without moving the position. False when it is not all there.
+    bool Peek(void* buffer, uint64_t bytes, uint64_t position) const;
 
     /// Writes what is still buffered, syncs and closes. The first failure in the life of the stream, if there is one.
     IoStatus Finish();

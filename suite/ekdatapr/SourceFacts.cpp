@@ -7,6 +7,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -29,7 +30,7 @@ std::optional<uint32_t> NumberAfter(std::string_view text, std::string_view befo
     return number;
 }
 
-/// kbit/s over the whole file; 0 for a file without sound.
+/// kbit/s over the whole file; 0 when its length is not known.
 double MeanBitRate(const SoundSource& source)
 {
     if (source.Frames() == 0)
@@ -38,11 +39,28 @@ double MeanBitRate(const SoundSource& source)
     return static_cast<double>(source.File().Stream().Length()) * 8 / 1000 / seconds;
 }
 
+/// The bit rate that the encoder of a Vorbis file aimed at, which is in the first packet of the stream. What it came to
+/// depends on the sound, and would change the quality with every save.
+double VorbisNominalBitRate(const SoundSource& source)
+{
+    constexpr uint64_t packetStart = 28; // behind the header of an Ogg page with one segment
+    constexpr std::string_view packetMark("\x01vorbis", 7);
+    std::array<char, 24> packet{};
+    if (!source.File().Stream().Peek(packet.data(), packet.size(), packetStart) ||
+        !std::string_view(packet.data(), packet.size()).starts_with(packetMark))
+        return 0;
+    int32_t rate = 0;
+    std::memcpy(&rate, packet.data() + 20, sizeof rate);
+    return rate > 0 ? rate / 1000.0 : 0;
+}
+
 /// The lowest quality, in tenths, at which Vorbis aims at such a rate.
-double VorbisQualityOf(double bitRate, uint32_t channels)
+double VorbisQuality(const SoundSource& source)
 {
     constexpr std::array<double, 10> perChannel = {32, 40, 48, 56, 64, 80, 96, 112, 128, 160};
-    const auto found = std::ranges::lower_bound(perChannel, bitRate / channels);
+    const double nominal = VorbisNominalBitRate(source);
+    const double rate = nominal > 0 ? nominal : MeanBitRate(source);
+    const auto found = std::ranges::lower_bound(perChannel, rate / source.Channels());
     return static_cast<double>(found - perChannel.begin()) / 10;
 }
 
@@ -50,7 +68,7 @@ uint32_t UsualBitRate(int sfFormat, double bitRate)
 {
     if ((sfFormat & SF_FORMAT_SUBMASK) == SF_FORMAT_OPUS)
         return static_cast<uint32_t>(std::clamp(std::ceil(bitRate / 8) * 8, 1.0 * MinBitRate, 1.0 * MaxBitRate));
-    const auto rates = FindCoderType("mp3")->BitRates;
+    const std::span<const uint32_t> rates = FindCoderType("mp3")->BitRates;
     return *std::ranges::min_element(rates, {}, [&](uint32_t rate) { return std::fabs(rate - bitRate); });
 }
 
@@ -75,14 +93,13 @@ StreamFacts ReadFacts(const SoundSource& source)
     facts.Tags = ReadTags(source.File().Handle());
     const char* software = sf_get_string(source.File().Handle(), SF_STR_SOFTWARE);
     const std::string_view encoder = software ? software : "";
-    const double meanRate = MeanBitRate(source);
-    const RateSetting setting = meanRate > 0 ? RateSettingOf(facts.SfFormat) : RateSetting::None;
+    const RateSetting setting = RateSettingOf(facts.SfFormat);
     if (setting == RateSetting::Quality) {
         const std::optional<uint32_t> percent = NumberAfter(encoder, QualityName);
-        facts.Quality = percent ? std::min(*percent / 100.0, 1.0) : VorbisQualityOf(meanRate, source.Channels());
+        facts.Quality = percent ? std::min(*percent / 100.0, 1.0) : VorbisQuality(source);
     }
     if (setting == RateSetting::BitRate)
-        facts.BitRate = NumberAfter(encoder, BitRateName).value_or(UsualBitRate(facts.SfFormat, meanRate));
+        facts.BitRate = NumberAfter(encoder, BitRateName).value_or(UsualBitRate(facts.SfFormat, MeanBitRate(source)));
     return facts;
 }
 

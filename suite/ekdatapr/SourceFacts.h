@@ -9,7 +9,7 @@
 namespace ek {
 
 /// What is to be remembered of a file. Quality and bit rate are those in its encoder name when this program wrote it,
-/// otherwise they are told from its size.
+/// otherwise they are estimated.
 StreamFacts ReadFacts(const SoundSource& source);
 
 /// The encoder's name as files with such a coding carry it: with the setting that decided their size, so that a later

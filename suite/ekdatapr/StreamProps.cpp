@@ -34,16 +34,6 @@ uint32_t GetNumber(const uint8_t* place, size_t bytes)
     return value;
 }
 
-std::string_view CutAtCharacter(std::string_view text, size_t maxBytes)
-{
-    if (text.size() <= maxBytes)
-        return text;
-    const auto continues = [&](size_t at) { return (static_cast<uint8_t>(text[at]) & 0xC0) == 0x80; };
-    while (maxBytes > 0 && continues(maxBytes))
-        --maxBytes;
-    return text.substr(0, maxBytes);
-}
-
 void PackTags(const TagMap& tags, Block& block)
 {
     size_t place = HeaderBytes;

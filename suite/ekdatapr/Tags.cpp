@@ -7,6 +7,17 @@ namespace ek {
 
 namespace {
 
+// The library passes over longer texts when it reads them.
+constexpr size_t MaxRiffTagBytes = 2000;
+
+bool IsRiff(SNDFILE* file)
+{
+    SF_INFO info{};
+    sf_command(file, SFC_GET_CURRENT_SF_INFO, &info, sizeof info);
+    const int container = info.format & SF_FORMAT_TYPEMASK;
+    return container == SF_FORMAT_WAV || container == SF_FORMAT_WAVEX || container == SF_FORMAT_RF64;
+}
+
 /// Text that is not UTF-8 is nearly always from a program that knew one byte a character only.
 std::string FromLatin1(std::string_view bytes)
 {
@@ -65,6 +76,16 @@ std::string Id3Frame(std::string_view id, std::string_view text)
 
 } // namespace
 
+std::string_view CutAtCharacter(std::string_view text, size_t maxBytes)
+{
+    if (text.size() <= maxBytes)
+        return text;
+    const auto continues = [&](size_t at) { return (static_cast<uint8_t>(text[at]) & 0xC0) == 0x80; };
+    while (maxBytes > 0 && continues(maxBytes))
+        --maxBytes;
+    return text.substr(0, maxBytes);
+}
+
 TagMap ReadTags(SNDFILE* file)
 {
     TagMap tags;
@@ -77,9 +98,10 @@ TagMap ReadTags(SNDFILE* file)
 
 void WriteTags(SNDFILE* file, const TagMap& tags)
 {
+    const size_t maxBytes = IsRiff(file) ? MaxRiffTagBytes : std::string::npos;
     for (const TagName& tag : TagNames) {
         if (const auto found = tags.find(tag.Name); found != tags.end())
-            sf_set_string(file, tag.SfString, found->second.c_str());
+            sf_set_string(file, tag.SfString, std::string(CutAtCharacter(found->second, maxBytes)).c_str());
     }
 }
 

@@ -32,8 +32,11 @@ inline constexpr std::array<TagName, 8> TagNames = {{
     {"comment", SF_STR_COMMENT, "COMM"},
 }};
 
+/// The longest part of `text`, from its start, of at most `maxBytes` that does not split a character.
+std::string_view CutAtCharacter(std::string_view text, size_t maxBytes);
+
 TagMap ReadTags(SNDFILE* file);
-/// Before any sound; what the container cannot hold is left out.
+/// Before any sound; what the container cannot hold is cut or left out.
 void WriteTags(SNDFILE* file, const TagMap& tags);
 
 /// An ID3 tag (version 2.4) with the tags and the name of the encoder, to stand in front of an MPEG stream. Empty when

@@ -55,9 +55,10 @@ std::set<std::string> DefinedDynamicSymbols(const std::vector<char>& file)
 TEST(ModuleSymbols, TheThirteenFunctionsLeaveTheModuleAndNothingElse)
 {
     const std::set<std::string> expected = {
-        "EkInitialize",     "EkGetMenu",     "EkGetAccelTable", "EkChangeState",         "EkFree",
-        "EkLoadSkin",       "EkFilterDllMsg", "EkProcessDllIdle", "EkPassMessage",       "EkGetModuleInfo",
-        "EkOnCmdMsg",       "EkPreTranslateMessage", "EkTryClose",
+        "EkInitialize",  "EkGetMenu",       "EkGetAccelTable", "EkChangeState",
+        "EkFree",        "EkLoadSkin",      "EkFilterDllMsg",  "EkProcessDllIdle",
+        "EkPassMessage", "EkGetModuleInfo", "EkOnCmdMsg",      "EkPreTranslateMessage",
+        "EkTryClose",
     };
     const std::vector<char> module = ReadModule();
     ASSERT_GT(module.size(), sizeof(Elf64_Ehdr)) << "the module is built beside the tests";

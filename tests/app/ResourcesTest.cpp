@@ -94,7 +94,7 @@ TEST(Resources, EveryImageIsDrawnAndCompiledIn)
 TEST(Resources, KeysShownForACommandAreKeysThatRunIt)
 {
     for (const CommandInfo& info : CommandInfos()) {
-        const bool isViewKey = info.Id == ID_DELETE;              // a key of the views, not of the table
+        const bool isViewKey = info.Id == ID_DELETE;            // a key of the views, not of the table
         const bool isShiftedNew = info.Id == ID_NEW_MULTITRACK; // New with Shift held
         if (!*info.Keys || isViewKey || isShiftedNew)
             continue;

@@ -123,15 +123,14 @@ TEST(WaveDataProcessorTest, AFailingReadOrCallbackEndsARunAsFailed)
 TEST(WaveDataProcessorTest, ThePositionIsThePercentageDoneBeforeTheChunk)
 {
     ScriptedPresenter presenter;
-    const CProgressDlg* shown = nullptr;
+    uint32_t last = 0;
     presenter.During = [&](CProgressDlg& progress) {
         progress.WaitResult();
-        EXPECT_EQ(progress.Position(), 75u);
-        shown = &progress;
+        last = progress.Position();
     };
     CountingSource source(2);
-    CWaveDataProcessor(source, 0, 4 * 6720, "", true, [](uint8_t*, uint64_t, uint64_t) { return true; }).Run();
-    EXPECT_NE(shown, nullptr);
+    CWaveDataProcessor(source, 9999, 4 * 6720, "", true, [](uint8_t*, uint64_t, uint64_t) { return true; }).Run();
+    EXPECT_EQ(last, 75u);
 }
 
 TEST(BackgroundTest, WorkRunsOnItsOwnThreadBehindAProgressThatIsUp)

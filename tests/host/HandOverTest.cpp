@@ -47,17 +47,25 @@ TEST(HandOverTest, AMessageThatIsCutOffOrForeignOpensNothing)
     EXPECT_EQ(DecodeHandOver("\0"sv), std::nullopt);
 }
 
+void Answer(int connection)
+{
+    char buffer[256];
+    pollfd wait{.fd = connection, .events = POLLIN, .revents = 0};
+    do {
+        poll(&wait, 1, -1);
+    } while (recv(connection, buffer, sizeof(buffer), 0) > 0);
+    EXPECT_EQ(send(connection, "k", 1, MSG_NOSIGNAL), 1);
+    close(connection);
+}
+
 /// Answers senders until told to stop, as a running editor does.
 void AnswerUntil(const HandOverListener& listener, const std::atomic<bool>& stop)
 {
     while (!stop) {
         pollfd wait{.fd = listener.Descriptor(), .events = POLLIN, .revents = 0};
         poll(&wait, 1, 10);
-        const int connection = listener.Accept();
-        if (connection < 0)
-            continue;
-        EXPECT_EQ(send(connection, "k", 1, MSG_NOSIGNAL), 1);
-        close(connection);
+        if (const int connection = listener.Accept(); connection >= 0)
+            Answer(connection);
     }
 }
 

@@ -193,15 +193,16 @@ TEST_F(FileTest, FilesAndFoldersAreToldApart)
 {
     WriteText(m_folder / "a", "");
     const std::string folder = m_folder.Path();
-    EXPECT_TRUE(IsFile(folder + "/a"));
-    EXPECT_FALSE(IsFolder(folder + "/a"));
-    EXPECT_FALSE(IsFolder(folder + "/a/"));
-    EXPECT_TRUE(IsFolder(folder));
-    EXPECT_TRUE(IsFolder(folder + "/"));
-    EXPECT_FALSE(IsFile(folder));
-    EXPECT_FALSE(IsFile(folder + "/none"));
-    EXPECT_FALSE(IsFile(""));
-    EXPECT_FALSE(IsFolder(""));
+    for (const auto& [path, isFile, isFolder] :
+         std::vector<std::tuple<std::string, bool, bool>>{{folder + "/a", true, false},
+                                                          {folder + "/a/", false, false},
+                                                          {folder, false, true},
+                                                          {folder + "/", false, true},
+                                                          {folder + "/none", false, false},
+                                                          {"", false, false}}) {
+        EXPECT_EQ(IsFile(path), isFile) << path;
+        EXPECT_EQ(IsFolder(path), isFolder) << path;
+    }
 }
 
 } // namespace

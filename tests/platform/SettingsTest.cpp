@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "FaultyFileCalls.h"
 #include "ScratchFolder.h"
 #include "platform/IniFile.h"
 #include "platform/Paths.h"
@@ -154,8 +155,14 @@ TEST_F(PathsTest, ProductSettingsAreStoredAtOnceByAllThreads)
 
 TEST_F(PathsTest, ASettingIsNotStoredOverAFileThatCannotBeRead)
 {
-    std::filesystem::create_directories(m_folder / "Quolm" / "Ek Quintaphonica" / "Ek Quintaphonica Zint 5.0.ini");
-    EXPECT_FALSE(SetProductSetting("a", "b", "c").Ok());
+    ASSERT_TRUE(SetProductSetting("a", "kept", "1").Ok());
+    {
+        FaultyFileCalls calls;
+        const ScopedFileCalls scope(calls);
+        calls.FailCall("PRead", EIO);
+        EXPECT_FALSE(SetProductSetting("a", "b", "c").Ok());
+    }
+    EXPECT_EQ(GetProductSetting("a", "kept", ""), "1");
 }
 
 } // namespace

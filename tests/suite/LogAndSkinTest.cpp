@@ -3,10 +3,8 @@
 #include "debugmanager/DebugManager.h"
 #include "skinmanager/SkinColors.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 #include <set>
-#include <thread>
 
 namespace ek::test {
 namespace {
@@ -45,24 +43,6 @@ TEST_F(LogTest, TheLogIsRotatedAndItsSizeBounded)
     EXPECT_EQ(files, 3);
 }
 
-TEST_F(LogTest, LinesOfSeveralThreadsStayWhole)
-{
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([this] {
-            for (int i = 0; i < 200; ++i)
-                m_manager.WriteLogMessage("Source", LogInformation, "%s", std::string(300, 'x').c_str());
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    const std::string content = Content();
-    size_t lines = 0;
-    for (size_t at = 0; (at = content.find("Source: " + std::string(300, 'x') + "\n", at)) != content.npos; ++at)
-        ++lines;
-    EXPECT_EQ(lines, 800u);
-}
-
 TEST_F(LogTest, ALogThatCannotBeOpenedDisturbsNobody)
 {
     WriteText(m_folder / "ek-wave-editor", "a file where the folder would be");
@@ -91,35 +71,6 @@ TEST(SkinColorsTest, NamesAndIdsAreOneToOne)
     EXPECT_EQ(SkinColorId("COLOR_WINDOWTEXT"), 8u);
     EXPECT_EQ(SkinColorId("COLOR_NONE"), std::nullopt);
     EXPECT_EQ(DefaultSkinColor(25), 0u);
-}
-
-double Luminance(uint32_t id)
-{
-    double sum = 0;
-    const double weights[] = {0.2126, 0.7152, 0.0722}; // red, green, blue
-    for (int part = 0; part < 3; ++part) {
-        const double value = (DefaultSkinColor(id) >> (8 * part) & 0xFF) / 255.0;
-        sum += weights[part] * (value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4));
-    }
-    return sum;
-}
-
-TEST(SkinColorsTest, EverythingThatIsReadStandsOutFromItsBackground)
-{
-    const uint32_t text = *SkinColorId("COLOR_WINDOWTEXT");
-    const std::vector<std::pair<uint32_t, uint32_t>> pairs = {
-        {COLOR_EDITOR_WAVE, COLOR_EDITOR_WAVE_BG},
-        {text, *SkinColorId("COLOR_BACKGROUND")},
-        {text, *SkinColorId("COLOR_BTNSHADOW")},
-        {text, COLOR_EDITOR_GRADIENT2},
-        {text, COLOR_EDITOR_TAB_INACTIVE},
-        {text, COLOR_EDITOR_POS_SELECTION},
-        {*SkinColorId("COLOR_HIGHLIGHTTEXT"), *SkinColorId("COLOR_HIGHLIGHT")},
-    };
-    for (const auto& [front, back] : pairs) {
-        const auto [darker, brighter] = std::minmax({Luminance(front), Luminance(back)});
-        EXPECT_GE((brighter + 0.05) / (darker + 0.05), 4.5) << front << " on " << back;
-    }
 }
 
 } // namespace

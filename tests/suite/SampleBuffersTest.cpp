@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "servicefuncs/SampleBuffers.h"
-#include "servicefuncs/MessageBox.h"
 
 #include <bit>
 #include <gtest/gtest.h>
@@ -56,14 +55,6 @@ TEST(ChannelsTest, PositionsFollowTheMaskOrTheUsualLayout)
     for (uint32_t channels = 1; channels <= MaxChannels; ++channels)
         EXPECT_EQ(static_cast<uint32_t>(std::popcount(DefaultChannelMask(channels))), channels);
     EXPECT_EQ(DefaultChannelMask(9), 0u);
-}
-
-TEST(ChannelsTest, EveryCodeHasANameOfItsOwn)
-{
-    std::set<std::string> names;
-    for (uint32_t code = ChannelLeft; code <= ChannelFrontRightOfCentre; ++code)
-        names.insert(GetChannelName(static_cast<ChannelCode>(code)));
-    EXPECT_EQ(names.size(), 14u);
 }
 
 TEST(ChannelsTest, AOneChannelFormatHasTheRateAndTheWidthOfTheWhole)
@@ -155,24 +146,6 @@ TEST_P(SampleBuffersTest, AChannelThatTheFormatDoesNotHoldChangesNothing)
 }
 
 INSTANTIATE_TEST_SUITE_P(Channels, SampleBuffersTest, testing::Values(1, 2, 6, 8));
-
-TEST(MessageBoxTest, TextsGoToThePortAndWithoutOneNothingIsAgreedTo)
-{
-    struct Port : MessageBoxPort {
-        MessageAnswer ShowMessage(std::string_view text, MessageButtons, MessageIcon) override
-        {
-            Text = text;
-            return MessageAnswer::No;
-        }
-        std::string Text;
-    } port;
-    SetMessageBoxPort(&port);
-    EXPECT_EQ(AfxSCMessageBox("Save?", MessageButtons::YesNoCancel), MessageAnswer::No);
-    EXPECT_EQ(port.Text, "Save?");
-    SetMessageBoxPort(nullptr);
-    EXPECT_EQ(AfxSCMessageBox("Done"), MessageAnswer::Ok);
-    EXPECT_EQ(AfxSCMessageBox("Save?", MessageButtons::YesNoCancel), MessageAnswer::Cancel);
-}
 
 } // namespace
 } // namespace ek::test

@@ -110,8 +110,8 @@ public:
     void SkinWindow(QWidget* window, int recursive) override;
     const enXml* GetSkinXml(const char16_t* moduleName, const char16_t* elementName) override;
 
-    std::map<uint32_t, SkinColor> Colors;          ///< black where nothing is set
-    std::map<std::string, const enXml*> Elements;  ///< by element name
+    std::map<uint32_t, SkinColor> Colors;         ///< black where nothing is set
+    std::map<std::string, const enXml*> Elements; ///< by element name
     std::vector<uint32_t> AskedColors;
 
 private:

@@ -67,7 +67,7 @@ TEST_F(WEView, WheelZoomsAtThePointerAlsoInFractionsOfANotch)
     Load(200'000, 1);
     Show();
     const uint32_t whole = Geometry().FramesPerPixel;
-    const QPoint place(View.Places().Wave.Left + 150, 200);
+    const QPoint place(View.Places().Wave.Left + 50, 200);
     const auto frame = static_cast<double>(Geometry().XToFrame(place.x()));
     for (int i = 0; i < 16; ++i)
         Wheel(place, {0, 30}); // a touchpad's four notches

@@ -42,9 +42,8 @@ CMainFrame::CMainFrame(QWidget* parent, CEkEditorApp& app, CHostFrame* host)
     SetClient(m_client);
     SetApplication(&m_appCommands);
     addToolBar(Qt::TopToolBarArea, m_toolBar);
-    connect(m_toolBar, &CommandToolBar::HistoryRequested, this, [this](uint32_t historyId) {
-        HandleCommand(historyId, CN_COMMAND, static_cast<QWidget*>(m_toolBar));
-    });
+    connect(m_toolBar, &CommandToolBar::HistoryRequested, this,
+            [this](uint32_t historyId) { HandleCommand(historyId, CN_COMMAND, static_cast<QWidget*>(m_toolBar)); });
     connect(this, &CMDIFrameWnd::ActiveChildChanged, this, [this] {
         UpdateTitle();
         UpdateTransport();
@@ -275,7 +274,8 @@ void CMainFrame::ReopenAs(CDocument& document, const std::filesystem::path& path
         if (&child->Document() != &document)
             continue;
         QMetaObject::invokeMethod(child, &QWidget::close, Qt::QueuedConnection);
-        QMetaObject::invokeMethod(this, [this, path] { OpenFile(path); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, path] { OpenFile(path); }, Qt::QueuedConnection);
     }
 }
 
@@ -347,7 +347,8 @@ void CMainFrame::dropEvent(QDropEvent* event)
         return;
     // Opening runs an event loop of its own, and the program that the files come from waits for the end of this drop.
     for (const std::filesystem::path& file : DroppedFiles(*event->mimeData()))
-        QMetaObject::invokeMethod(this, [this, file] { OpenFile(file); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, file] { OpenFile(file); }, Qt::QueuedConnection);
 }
 
 } // namespace ek

@@ -108,9 +108,8 @@ QWidget* QtPrompts::Parent() const
 
 MessageAnswer QtPrompts::ShowMessage(std::string_view text, MessageButtons buttons, MessageIcon icon)
 {
-    const auto choice = buttons == MessageButtons::Ok
-                            ? QMessageBox::StandardButtons(QMessageBox::Ok)
-                            : QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    const auto choice = buttons == MessageButtons::Ok ? QMessageBox::StandardButtons(QMessageBox::Ok)
+                                                      : QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
     QMessageBox box(IconOf(icon), ModuleTitle(), QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())),
                     choice, Parent());
     box.setTextFormat(Qt::PlainText);

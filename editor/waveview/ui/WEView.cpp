@@ -288,17 +288,18 @@ void CWEView::paintEvent(QPaintEvent* event)
 
 void CWEView::Draw(QPainter& painter, const Rect& exposed)
 {
-    painter.setClipRect(ToQRect(exposed), Qt::IntersectClip);
-    const auto drawPanel = [&](const auto& panel) {
-        if (!panel.Area().IsEmpty() && !panel.Area().Intersected(exposed).IsEmpty())
-            panel.Draw(painter);
+    // A clip of one rectangle at a time lets the painter copy whole rows.
+    const auto drawIn = [&](const Rect& area, const auto& draw) {
+        const Rect visible = area.Intersected(exposed);
+        if (visible.IsEmpty())
+            return;
+        painter.setClipRect(ToQRect(visible));
+        draw();
     };
-    const Rect right{m_layout.Wave.Right, exposed.Top, exposed.Right, exposed.Bottom};
-    const Rect below{exposed.Left, m_layout.Wave.Bottom, exposed.Right, exposed.Bottom};
-    for (const Rect& rect : {right.Intersected(exposed), below.Intersected(exposed)}) {
-        if (!rect.IsEmpty())
-            painter.fillRect(ToQRect(rect), m_colors.Face);
-    }
+    const auto drawPanel = [&](const auto& panel) { drawIn(panel.Area(), [&] { panel.Draw(painter); }); };
+    const auto fill = [&](const Rect& area) { drawIn(area, [&] { painter.fillRect(ToQRect(area), m_colors.Face); }); };
+    fill({m_layout.Wave.Right, exposed.Top, exposed.Right, m_layout.Wave.Bottom});
+    fill({exposed.Left, m_layout.Wave.Bottom, exposed.Right, exposed.Bottom});
     drawPanel(m_wave);
     drawPanel(m_amplitude);
     drawPanel(m_position);

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "Bench.h"
+
+namespace ek::bench {
+
+// One function for each figure, or for figures that share a costly preparation; each in its own file.
+
+void MeasureBatch(Bench& bench); ///< memory of ekbatch, and whether cost per hour stays flat
+void MeasureOpen(Bench& bench);
+void MeasureSave(Bench& bench);
+void MeasurePeaks(Bench& bench);
+void MeasureTempSpace(Bench& bench);
+void MeasureColumns(Bench& bench);
+
+} // namespace ek::bench

@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "ek/Module.h"
+#include "support/RecordingHost.h"
+#include "support/Signals.h"
+#include "support/TestFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMessageBox>
+#include <QTimer>
+#include <QToolBar>
+
+#include <dlfcn.h>
+
+namespace ek {
+namespace {
+
+/// The built module, as a host loads it. It stays loaded: Qt keeps references into it.
+template <class Function>
+Function Find(const char* name)
+{
+    static void* module = dlopen(EK_BIN_DIR "/libEkWaveEditor.so", RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    EXPECT_NE(module, nullptr) << dlerror();
+    return reinterpret_cast<Function>(module ? dlsym(module, name) : nullptr);
+}
+
+#define EK_FIND(name) Find<decltype(&name)>(#name)
+
+class ExportsTest : public testing::Test {
+protected:
+    ExportsTest()
+    {
+        if (!EK_FIND(EkInitialize))
+            throw std::runtime_error("the module is built beside the tests");
+    }
+
+    ~ExportsTest() override
+    {
+        if (m_frame)
+            EK_FIND(EkFree)(m_frame);
+    }
+
+    void Initialize()
+    {
+        m_frame = EK_FIND(EkInitialize)(&m_page, nullptr, nullptr, &m_host);
+        ASSERT_NE(m_frame, nullptr);
+        EK_FIND(EkChangeState)(m_frame, 1);
+    }
+
+    void Free() { EK_FIND(EkFree)(std::exchange(m_frame, nullptr)); }
+
+    bool Run(uint32_t id) { return EK_FIND(EkOnCmdMsg)(m_frame, id, CN_COMMAND, nullptr, nullptr) != 0; }
+
+    qsizetype WindowCount() const { return m_frame->findChildren<QMdiSubWindow*>().size(); }
+
+    TestFolder m_folder;
+    RecordingHost m_host;
+    QWidget m_page;
+    QWidget* m_frame = nullptr;
+};
+
+TEST_F(ExportsTest, TheModuleTellsItsNameOnlyIntoARecordOfTheRightSize)
+{
+    ModuleInfo info{.Size = 24, .Name = nullptr, .Version = nullptr, .Company = nullptr, .Kind = 0};
+    EXPECT_EQ(EK_FIND(EkGetModuleInfo)(nullptr, &info), 0);
+    EXPECT_EQ(info.Name, nullptr);
+    info.Size = 20;
+    EXPECT_EQ(EK_FIND(EkGetModuleInfo)(nullptr, &info), 1);
+    EXPECT_EQ(std::u16string(info.Name), u"Ek Wave Editor");
+    EXPECT_EQ(std::u16string(info.Version), u"5.0.58");
+    EXPECT_EQ(info.Kind, 2U);
+}
+
+TEST_F(ExportsTest, AHostOlderThanOneDotZeroIsRefusedWithAMessage)
+{
+    m_host.Version = 0x00090005;
+    QString text;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            text = box->text();
+            box->accept();
+        }
+    });
+    watch.start(1);
+    EXPECT_EQ(EK_FIND(EkInitialize)(&m_page, nullptr, nullptr, &m_host), nullptr);
+    EXPECT_TRUE(text.startsWith("You have Ek MP3 Vantler frame version 0.95.\n"));
+    EXPECT_TRUE(m_host.Calls.Lines().empty());
+    EXPECT_TRUE(m_page.children().isEmpty());
+}
+
+TEST_F(ExportsTest, TheFrameIsAVisibleChildThatRegistersForCapture)
+{
+    Initialize();
+    EXPECT_EQ(m_frame->parentWidget(), &m_page);
+    EXPECT_FALSE(m_frame->isHidden());
+    EXPECT_EQ(m_frame->windowTitle(), "Ek Wave Editor");
+    EXPECT_EQ(m_host.Calls.Count("Recorder.Register(Ek Wave Editor, 1)"), 1U);
+    EXPECT_EQ(m_host.Calls.Count("RefreshMenu(Ek Wave Editor)"), 1U);
+    EXPECT_EQ(EK_FIND(EkInitialize)(&m_page, nullptr, nullptr, &m_host), nullptr) << "one at a time";
+}
+
+TEST_F(ExportsTest, AHostWithoutServicesIsServedToo)
+{
+    m_frame = EK_FIND(EkInitialize)(&m_page, nullptr, nullptr, nullptr);
+    ASSERT_NE(m_frame, nullptr);
+    EXPECT_TRUE(Run(57600));
+    EXPECT_NE(EK_FIND(EkGetMenu)(m_frame), nullptr);
+    EK_FIND(EkChangeState)(m_frame, 1);
+    EK_FIND(EkProcessDllIdle)();
+    Free();
+    m_host.HasServices = m_host.HasDevices = m_host.HasSkin = false;
+    Initialize();
+    EXPECT_EQ(EK_FIND(EkLoadSkin)(m_frame, u"Dark"), 1);
+}
+
+TEST_F(ExportsTest, TheModuleCanBeStartedAgain)
+{
+    for (int round = 0; round < 2; ++round) {
+        Initialize();
+        const QMenu* menu = EK_FIND(EkGetMenu)(m_frame);
+        EXPECT_EQ(EK_FIND(EkGetMenu)(m_frame), menu);
+        QStringList titles;
+        for (const QAction* action : menu->actions())
+            titles.append(action->text());
+        EXPECT_EQ(titles, (QStringList{"File", "Edit", "View", "Morph", "Window"}));
+        const std::u16string request = u"Open \"" + m_folder.Path().u16string() + u"/one.wav\"";
+        WriteWav(m_folder.Path() / "one.wav", 2, MakeRamp(5000));
+        EXPECT_EQ(EK_FIND(EkPassMessage)(m_frame, nullptr, request.c_str()), 1);
+        EXPECT_EQ(WindowCount(), 1);
+        EXPECT_EQ(EK_FIND(EkTryClose)(), 1);
+        EXPECT_EQ(WindowCount(), 0);
+        Free();
+        EXPECT_EQ(m_folder.TempFileCount(), 0U);
+        EXPECT_TRUE(m_page.children().isEmpty());
+    }
+    EXPECT_EQ(m_host.Services.Settings["Ek Wave Editor/RecentFile1"], (m_folder.Path() / "one.wav").string());
+}
+
+TEST_F(ExportsTest, KeysAreTranslatedByEitherFilter)
+{
+    Initialize();
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_N, Qt::ControlModifier);
+    const WindowMessage message{m_frame, &press};
+    EXPECT_EQ(EK_FIND(EkFilterDllMsg)(&message), 1);
+    EXPECT_EQ(EK_FIND(EkPreTranslateMessage)(nullptr, &message), 1);
+    EXPECT_EQ(WindowCount(), 2);
+    EXPECT_EQ(EK_FIND(EkGetAccelTable)(m_frame)->Count, 18U);
+}
+
+TEST_F(ExportsTest, AnUpdateQueryAnswersWhetherTheCommandWorks)
+{
+    Initialize();
+    const auto ask = [this](uint32_t id, CommandUi& ui) {
+        return EK_FIND(EkOnCmdMsg)(m_frame, id, CN_UPDATE_COMMAND_UI, &ui, nullptr);
+    };
+    CommandUi open{.Id = 57601};
+    EXPECT_NE(ask(57601, open), 0);
+    EXPECT_TRUE(open.Enabled);
+    CommandUi record{.Id = 13090};
+    EXPECT_NE(ask(13090, record), 0);
+    EXPECT_FALSE(record.Enabled);
+    CommandUi undo{.Id = 57643};
+    EXPECT_EQ(ask(57643, undo), 0);
+    EXPECT_EQ(EK_FIND(EkOnCmdMsg)(&m_page, 57600, CN_COMMAND, nullptr, nullptr), 0) << "not the module's window";
+}
+
+TEST_F(ExportsTest, TheImagesOfTheButtonsAreInTheModule)
+{
+    Initialize();
+    EK_FIND(EkProcessDllIdle)();
+    for (const QAction* action : m_frame->findChild<QToolBar*>()->findChildren<QAction*>()) {
+        if (action->data().isValid())
+            EXPECT_FALSE(action->icon().isNull()) << action->toolTip().toStdString();
+    }
+}
+
+TEST_F(ExportsTest, WithoutAModuleInUseEveryCallIsHarmless)
+{
+    EXPECT_EQ(EK_FIND(EkTryClose)(), 1);
+    EK_FIND(EkProcessDllIdle)();
+    EK_FIND(EkFree)(nullptr);
+    EXPECT_EQ(EK_FIND(EkGetMenu)(&m_page), nullptr);
+    EXPECT_EQ(EK_FIND(EkFilterDllMsg)(nullptr), 0);
+}
+
+} // namespace
+} // namespace ek

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/EkEditorApp.h"
+#include "app/ui/MainFrame.h"
+#include "resources/CommandIds.h"
+#include "support/RecordingHost.h"
+#include "support/ScriptedPrompts.h"
+#include "support/Signals.h"
+#include "support/TestFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QMenu>
+#include <QVBoxLayout>
+
+#include <memory>
+
+namespace ek {
+
+/// A widget of the host's that keeps the messages it gets.
+class MessageKeeper : public QWidget {
+public:
+    using QWidget::QWidget;
+
+    struct Message {
+        uint32_t Id;
+        uintptr_t WParam;
+        intptr_t LParam;
+        bool operator==(const Message&) const = default;
+    };
+    std::vector<Message> Messages;
+
+protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() != MessageEvent::Kind)
+            return QWidget::event(event);
+        const auto& message = static_cast<const MessageEvent&>(*event);
+        Messages.push_back({message.Id, message.WParam, message.LParam});
+        event->accept();
+        return true;
+    }
+};
+
+/// The real main frame on a page of a host's window.
+class FrameFixture : public testing::Test {
+protected:
+    FrameFixture()
+    {
+        auto* layout = new QVBoxLayout(m_page);
+        layout->setContentsMargins(0, 0, 0, 0);
+        m_window.resize(1000, 700);
+        m_page->setGeometry(m_window.rect());
+        m_frame = new CMainFrame(m_page, m_app, &m_host);
+        layout->addWidget(m_frame);
+        m_frame->ChangeState(true);
+        m_window.show();
+    }
+
+    ~FrameFixture() override { delete m_frame; }
+
+    std::filesystem::path MakeSound(const std::string& name, size_t frames = 3000) const
+    {
+        const std::filesystem::path path = m_folder.Path() / name;
+        WriteWav(path, 2, MakeRamp(frames * 2));
+        return path;
+    }
+
+    /// A document that asks before it closes.
+    CDocument* OpenModified(const std::string& name)
+    {
+        EXPECT_TRUE(m_frame->OpenFile(MakeSound(name)));
+        CDocument* document = m_app.Documents().back();
+        document->SetModified(true);
+        return document;
+    }
+
+    bool Run(uint32_t id) { return m_frame->HandleCommand(id, CN_COMMAND, nullptr); }
+
+    bool IsEnabled(uint32_t id)
+    {
+        CommandUi ui{.Id = id};
+        return m_frame->HandleCommand(id, CN_UPDATE_COMMAND_UI, &ui) && ui.Enabled;
+    }
+
+    QMenu* SubMenu(const QString& title)
+    {
+        for (QAction* action : m_frame->Menu()->actions()) {
+            if (action->text() == title)
+                return action->menu();
+        }
+        return nullptr;
+    }
+
+    std::vector<std::string> DocumentNames() const
+    {
+        std::vector<std::string> names;
+        for (const CDocument* document : m_app.Documents())
+            names.push_back(document->DisplayName());
+        return names;
+    }
+
+    void Settle()
+    {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    TestFolder m_folder;
+    ScriptedPrompts m_prompts;
+    RecordingHost m_host;
+    CEkEditorApp m_app;
+    MessageKeeper m_window;
+    QWidget* m_page = new QWidget(&m_window);
+    QPointer<CMainFrame> m_frame;
+};
+
+using Names = std::vector<std::string>;
+
+} // namespace ek
