@@ -36,6 +36,9 @@ QToolBar::separator { width: 1px; background: %line; margin: 4px 5px; }
 QToolBar QToolButton { border: none; border-radius: 4px; padding: 4px; background: transparent; }
 QToolBar QToolButton:hover { background: %hover; }
 QToolBar QToolButton:pressed, QToolBar QToolButton:checked { background: %pressed; }
+QToolBar QToolButton[popupMode="1"] { padding-right: 15px; }
+QToolBar QToolButton::menu-button { border: none; width: 13px; }
+QToolBar QToolButton::menu-arrow { width: 7px; height: 7px; }
 QStatusBar { background: %face; color: %facetext; border-top: 1px solid %line; }
 QStatusBar::item { border: none; }
 QToolTip { background: %infoback; color: %infotext; border: 1px solid %line; padding: 3px 5px; }

@@ -38,7 +38,7 @@ HostWindow::HostWindow(const ModuleExports& module, SettingsStore& settings, con
     : m_module(module), m_desktop(std::make_unique<DesktopTheme>(options.AskDesktop)), m_services(settings),
       m_objects(m_services, m_skin),
       m_skins(new SkinChoice(m_skin, m_services, *m_desktop, options.SkinOfThisRun, this)),
-      m_menu(new ModuleMenu(module, *menuBar())), m_quit(new QAction(tr("&Quit"), this)), m_page(new QWidget(this))
+      m_menu(new ModuleMenu(module, *menuBar())), m_quit(new QAction(tr("Quit"), this)), m_page(new QWidget(this))
 {
     m_menu->setParent(this);
     auto* layout = new QVBoxLayout(m_page);
@@ -63,8 +63,8 @@ void HostWindow::MakeOwnMenus()
 {
     m_quit->setMenuRole(QAction::QuitRole);
     connect(m_quit, &QAction::triggered, this, &QWidget::close);
-    auto* help = new QMenu(tr("&Help"), this);
-    connect(help->addAction(tr("&About %1").arg(QString::fromLatin1(ModuleName))), &QAction::triggered, this,
+    auto* help = new QMenu(tr("Help"), this);
+    connect(help->addAction(tr("About %1...").arg(QString::fromLatin1(ModuleName))), &QAction::triggered, this,
             [this] { RunCommand(AboutCommand); });
     m_menu->SetOwnEntries(m_quit, m_skins->Menu(), help);
 }

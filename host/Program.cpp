@@ -4,6 +4,7 @@
 #include "host/DemoSound.h"
 #include "host/HandOver.h"
 #include "host/HandOverServer.h"
+#include "host/HostStyle.h"
 #include "host/HostWindow.h"
 #include "host/Module.h"
 #include "host/Options.h"
@@ -56,8 +57,8 @@ void DressApplication()
     QApplication::setApplicationName(QStringLiteral("ek-wave-editor"));
     QApplication::setApplicationDisplayName(QString());
     QApplication::setDesktopFileName(QStringLiteral("ek-wave-editor"));
-    QApplication::setStyle(QStringLiteral("Fusion"));
-    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("ek-wave-editor")));
+    QApplication::setStyle(new HostStyle);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/ek-host/ek-wave-editor.svg")));
 }
 
 void TellOfFailure(const Options& options, const QString& text)

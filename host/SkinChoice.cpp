@@ -29,10 +29,10 @@ void Log(const std::vector<std::string>& lines)
 SkinChoice::SkinChoice(HostSkin& skin, HostServices& services, DesktopTheme& desktop, const std::string& skinOfThisRun,
                        QWidget* window)
     : QObject(window), m_skin(skin), m_services(services), m_desktop(desktop), m_skins(FindSkins(SkinFolders())),
-      m_menu(new QMenu(tr("&Skin"), window)), m_choices(new QActionGroup(m_menu)),
+      m_menu(new QMenu(tr("Skin"), window)), m_choices(new QActionGroup(m_menu)),
       m_chosen(skinOfThisRun.empty() ? services.ReadOwnSetting(SettingKey) : skinOfThisRun)
 {
-    AddChoice(tr("&Follow Desktop"), {});
+    AddChoice(tr("Follow Desktop"), {});
     m_menu->addSeparator();
     for (const auto& [name, file] : m_skins)
         AddChoice(QString::fromStdString(name), name);

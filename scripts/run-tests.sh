@@ -26,8 +26,8 @@ export GTEST_OUTPUT=xml:$results/
 status=0
 ctest --test-dir "$build" --output-on-failure --no-tests=error -j "$(nproc)" "$@" </dev/null || status=$?
 
-# Every program has left one file whose second line counts its cases.
-find "$results" -name '*.xml' -exec grep -h -m 1 '<testsuites ' {} + | awk '
+# Every program has left one file, in which one line counts its cases.
+find "$results" -name 'test_*.xml' -exec grep -h -m 1 '<testsuites ' {} + | awk '
     { programs++; cases += count("tests"); failures += count("failures") }
     function count(name) { return match($0, " " name "=\"[0-9]+") ? substr($0, RSTART + length(name) + 3, RLENGTH) + 0 : 0 }
     END { printf "tests: %d cases in %d programs, %d of them failed\n", cases, programs, failures }'

@@ -3,8 +3,6 @@
 
 #include "framework/ui/View.h"
 
-#include <utility>
-
 namespace ek {
 
 CMDIFrameWnd::CMDIFrameWnd(QWidget* parent) : QMainWindow(parent, Qt::Widget) {}
@@ -53,13 +51,15 @@ std::vector<CMDIChildWnd*> CMDIFrameWnd::Children() const
 }
 
 /// The area also reports that no window is active when another program comes to the front; the one that was active
-/// remains the current one then.
+/// remains the current one then. And it reports while a window is being destroyed, which is no document window any
+/// more at that moment.
 void CMDIFrameWnd::OnSubWindowActivated()
 {
     CMDIChildWnd* active = ActiveChild();
-    if (active == m_lastActive)
+    auto* previous = qobject_cast<CMDIChildWnd*>(m_lastActive.data());
+    if (active == previous)
         return;
-    CMDIChildWnd* previous = std::exchange(m_lastActive, active);
+    m_lastActive = active;
     if (previous && !previous->IsClosing())
         previous->OnActivate(false);
     if (active)

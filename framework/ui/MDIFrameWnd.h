@@ -42,7 +42,7 @@ private:
     QMdiArea* m_client = nullptr;
     CCmdTarget* m_clientTarget = nullptr;
     CCmdTarget* m_application = nullptr;
-    QPointer<CMDIChildWnd> m_lastActive;
+    QPointer<QMdiSubWindow> m_lastActive;
 };
 
 } // namespace ek

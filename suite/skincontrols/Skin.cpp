@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "skincontrols/Skin.h"
 
+#include "skincontrols/SystemColors.h"
 #include "skinmanager/SkinColors.h"
 
 #include <array>
@@ -10,21 +11,6 @@ namespace ek {
 namespace {
 
 CHostSkin* g_skin = nullptr;
-
-// The usual indices of system colours.
-enum SystemColor : uint32_t {
-    ColorWindow = 5,
-    ColorWindowText = 8,
-    ColorHighlight = 13,
-    ColorHighlightText = 14,
-    ColorButtonFace = 15,
-    ColorButtonShadow = 16,
-    ColorGrayText = 17,
-    ColorButtonText = 18,
-    ColorButtonHighlight = 20,
-    ColorInfoText = 23,
-    ColorInfoBackground = 24,
-};
 
 struct RoleColor {
     QPalette::ColorRole Role;

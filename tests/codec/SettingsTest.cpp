@@ -51,7 +51,7 @@ TEST_F(Settings, ValuesThatACoderDoesNotHaveAreRefusedAndNothingIsStored)
         {"mp3", {{"bitrate", "129"}}},   {"opus", {{"bitrate", "1"}}},     {"wav", {{"channels", "stereo"}}},
         {"wav", {{"openafter", "yes"}}}, {"xyz", {{"subtype", "pcm_16"}}}};
     for (auto [extension, values] : wrong) {
-        values["channels"].empty() ? (void)(values["channels"] = "Mono") : (void)0;
+        values.try_emplace("channels", "Mono");
         std::string error;
         EXPECT_FALSE(EkSetCoderOptions(extension, values, error)) << extension;
         EXPECT_FALSE(error.empty());
@@ -138,10 +138,10 @@ TEST_F(Settings, FiltersArePairsOfADescriptionAndPatterns)
     for (const std::string extension :
          {"wav", "w64", "aif", "au", "snd", "caf", "flac", "ogg", "opus", "mp3", "voc", "iff"})
         EXPECT_NE(std::ranges::find(all, "*." + extension), all.end()) << extension;
-    for (const std::string& part : Split(writable, '|')) {
-        for (const std::string& pattern : Split(part, ';')) {
-            if (pattern.starts_with("*."))
-                EXPECT_FALSE(EkGetCoderOptions(pattern.substr(2)).empty()) << pattern;
+    const std::vector<std::string> pairs = Split(writable, '|');
+    for (size_t i = 1; i < pairs.size(); i += 2) {
+        for (const std::string& pattern : Split(pairs[i], ';')) {
+            EXPECT_FALSE(EkGetCoderOptions(pattern.substr(2)).empty()) << pattern;
         }
     }
 }

@@ -10,6 +10,8 @@
 #include <QFileDialog>
 #include <QMessageBox>
 
+#include <algorithm>
+
 namespace ek {
 
 namespace {
@@ -52,9 +54,15 @@ QStringList NameFilters(const std::vector<FileType>& types)
     return filters;
 }
 
+/// A dialog that hides the patterns gives the description alone.
 size_t ChosenType(const QFileDialog& dialog)
 {
-    return static_cast<size_t>(dialog.nameFilters().indexOf(dialog.selectedNameFilter()));
+    const QString chosen = dialog.selectedNameFilter();
+    const QStringList filters = dialog.nameFilters();
+    const auto found = std::ranges::find_if(filters, [&](const QString& filter) {
+        return filter == chosen || filter.startsWith(chosen + " (");
+    });
+    return static_cast<size_t>(found - filters.begin());
 }
 
 std::filesystem::path PathOf(const QString& file)

@@ -2,11 +2,11 @@
 #include "waveview/ui/WEView.h"
 
 #include "resources/CommandIds.h"
+#include "skincontrols/SCScrollBar.h"
 #include "skincontrols/Skin.h"
 #include "waveview/ui/TimeScaleStatic.h"
 
 #include <QPaintEvent>
-#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QTimer>
@@ -37,10 +37,10 @@ CWEView::CWEView(CWEDoc& document, ViewSite& site, QWidget* parent)
 
 void CWEView::CreateControls()
 {
-    m_horizontalBar = new QScrollBar(Qt::Horizontal, this);
+    m_horizontalBar = new CSCScrollBar(Qt::Horizontal, this);
     m_horizontalBar->setAccessibleName(tr("Visible time"));
     connect(m_horizontalBar, &QScrollBar::valueChanged, this, [this](int value) { OnHorizontalScroll(value); });
-    m_verticalBar = new QScrollBar(Qt::Vertical, this);
+    m_verticalBar = new CSCScrollBar(Qt::Vertical, this);
     m_verticalBar->setAccessibleName(tr("Visible channels"));
     connect(m_verticalBar, &QScrollBar::valueChanged, this, [this](int value) { OnVerticalScroll(value); });
 
