@@ -88,7 +88,7 @@ void AddMelody(Mix& mix, Noise& noise)
     constexpr std::array<int, 16> notes = {-9, -5, -2, 3, 2, -2, -5, -2, -7, -4, 0, 5, 3, 0, -4, -9};
     for (size_t i = 0; i < notes.size(); ++i) {
         const double pan = 0.5 + 0.4 * std::sin(Turn * static_cast<double>(i) / 8.0);
-        AddPluck(mix, noise, 0.25 + 0.375 * static_cast<double>(i), NoteFrequency(notes[i]), 0.55, pan);
+        AddPluck(mix, noise, 0.25 + 0.375 * static_cast<double>(i), NoteFrequency(notes[i]), 0.8, pan);
     }
 }
 
@@ -105,7 +105,7 @@ void AddChordTone(Mix& mix, double frequency, double drift)
         const double progress = static_cast<double>(i) / static_cast<double>(length);
         const double phase = Turn * frequency * static_cast<double>(i) / DemoRate;
         const double tone = std::sin(phase) + 0.35 * std::sin(2 * phase) + 0.15 * std::sin(3 * phase);
-        mix.Add(first + i, 0.16 * tone * SwellLevel(progress), 0.5 + drift * std::cos(progress * Turn));
+        mix.Add(first + i, 0.19 * tone * SwellLevel(progress), 0.5 + drift * std::cos(progress * Turn));
     }
 }
 
@@ -126,7 +126,7 @@ void AddDrum(Mix& mix, Noise& noise, double start, double weight, double pan)
         phase += Turn * (48.0 + 130.0 * std::exp(-seconds * 28)) / DemoRate;
         const double body = std::sin(phase) * std::exp(-seconds * 9) * weight;
         const double snap = noise.Next() * std::exp(-seconds * 45) * (1.0 - weight);
-        mix.Add(ToFrame(start) + i, 0.75 * (body + snap), pan);
+        mix.Add(ToFrame(start) + i, 0.95 * (body + snap), pan);
     }
 }
 

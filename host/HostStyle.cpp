@@ -71,6 +71,13 @@ int HostStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
     return metric == PM_MdiSubWindowFrameWidth ? DocumentFrameWidth : QProxyStyle::pixelMetric(metric, option, widget);
 }
 
+/// Document windows have square corners.
+int HostStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                         QStyleHintReturn* returnData) const
+{
+    return hint == SH_WindowFrame_Mask ? 0 : QProxyStyle::styleHint(hint, option, widget, returnData);
+}
+
 void HostStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                               const QWidget* widget) const
 {

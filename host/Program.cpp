@@ -44,6 +44,12 @@ bool ChoosePlatform(const Options& options)
     return false;
 }
 
+/// What Qt remarks about a platform without a screen would stand between the lines of a tour.
+void LogQtMessage(QtMsgType, const QMessageLogContext&, const QString& text)
+{
+    enDebugManager().WriteLogMessage("Qt", LogInformation, "%s", qPrintable(text));
+}
+
 int MakeDemo(const std::filesystem::path& file)
 {
     if (WriteDemoSound(file))
@@ -127,6 +133,8 @@ int RunProgram(int argc, char** argv)
     if (!isAlone && JoinRunningEditor(HandOverSocket(), options->Files, listener) == StartKind::HandedOver)
         return 0;
     RaiseOpenFileLimit();
+    if (options->IsUnattended())
+        qInstallMessageHandler(LogQtMessage);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, options->IsUnattended());
     QApplication application(argc, argv);
     DressApplication();

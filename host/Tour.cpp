@@ -79,8 +79,8 @@ bool Tour::Run(const std::filesystem::path& file)
     const Step steps[] = {
         {"open", "Open a sound", [this, file] { return Open(file); }},
         {"zoom-in", "Zoom in", command(ZoomIn)},
-        {"wheel", "Zoom in further with the wheel", [this] { return TurnWheel(6, 0.3); }},
-        {"samples", "Zoom in to single samples", [this] { return TurnWheel(12, 0.3); }},
+        {"wheel", "Zoom in further with the wheel", [this] { return TurnWheel(6, 0.5); }},
+        {"samples", "Zoom in to single samples", [this] { return TurnWheel(12, 0.5); }},
         {"scale", "Enlarge the waveform", command(ScaleIn)},
         {"scale-back", "Back to its size", command(ScaleOut)},
         {"one-channel", "Show one channel", command(ZoomInVertical)},
@@ -155,23 +155,31 @@ bool Tour::SaveAs(const char* fileName)
     return IsFile(target);
 }
 
+/// A file dialog that still reads its folder may put its own suggestion back, so the name is looked at once more
+/// before it is confirmed.
+bool Tour::AnswerFileName(QDialog& dialog, const QString& name)
+{
+    auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    if (edit && edit->text() != name) {
+        Type(*edit, name);
+    } else if (edit) {
+        m_answered = &dialog;
+        SaveDialogPicture(dialog, "save-as");
+        PressKey(edit, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
+    }
+    return edit != nullptr;
+}
+
 bool Tour::AnswerSaving(QDialog& dialog, const std::filesystem::path& target)
 {
     if (m_answered == &dialog)
         return false;
-    m_answered = &dialog;
-    if (qobject_cast<QFileDialog*>(&dialog)) {
-        auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        if (!edit)
-            return false;
-        Type(*edit, QString::fromStdString(target.native()));
-        SaveDialogPicture(dialog, "save-as");
-        PressKey(edit, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
-        return true;
-    }
+    if (qobject_cast<QFileDialog*>(&dialog))
+        return AnswerFileName(dialog, QString::fromStdString(target.native()));
     QAbstractButton* ok = OkButton(dialog);
     if (!ok)
         return false;
+    m_answered = &dialog;
     SaveDialogPicture(dialog, "sound-format");
     ok->click();
     return true;

@@ -38,6 +38,7 @@ private:
     bool Open(const std::filesystem::path& file);
     bool TurnWheel(int notches, double positionInWidth);
     bool SaveAs(const char* fileName);
+    bool AnswerFileName(QDialog& dialog, const QString& name);
     bool AnswerSaving(QDialog& dialog, const std::filesystem::path& target);
     std::filesystem::path NextPicture(const char* name);
 

@@ -5,7 +5,11 @@
 
 namespace ek {
 
-CMDIFrameWnd::CMDIFrameWnd(QWidget* parent) : QMainWindow(parent, Qt::Widget) {}
+CMDIFrameWnd::CMDIFrameWnd(QWidget* parent) : QMainWindow(parent)
+{
+    if (parent)
+        setWindowFlags(Qt::Widget); // the base class makes it a window of its own
+}
 
 void CMDIFrameWnd::SetClient(QMdiArea* client)
 {
@@ -51,20 +55,35 @@ std::vector<CMDIChildWnd*> CMDIFrameWnd::Children() const
 }
 
 /// The area also reports that no window is active when another program comes to the front; the one that was active
-/// remains the current one then. And it reports while a window is being destroyed, which is no document window any
-/// more at that moment.
+/// remains the current one then.
 void CMDIFrameWnd::OnSubWindowActivated()
 {
     CMDIChildWnd* active = ActiveChild();
-    auto* previous = qobject_cast<CMDIChildWnd*>(m_lastActive.data());
-    if (active == previous)
+    if (active == m_lastActive)
         return;
+    auto* previous = qobject_cast<CMDIChildWnd*>(m_lastActive.data()); // null while it is being destroyed
     m_lastActive = active;
-    if (previous && !previous->IsClosing())
+    if (previous)
         previous->OnActivate(false);
     if (active)
         active->OnActivate(true);
     emit ActiveChildChanged();
+}
+
+void CMDIFrameWnd::Watch(CMDIChildWnd& child)
+{
+    connect(&child, &CMDIChildWnd::Closed, this, &CMDIFrameWnd::ActivateAnother);
+}
+
+/// The area would wait until the closed window is deleted.
+void CMDIFrameWnd::ActivateAnother()
+{
+    QList<QMdiSubWindow*> windows = m_client->subWindowList(QMdiArea::ActivationHistoryOrder);
+    erase_if(windows, [](const QMdiSubWindow* window) {
+        const auto* child = qobject_cast<const CMDIChildWnd*>(window);
+        return child && child->IsClosing();
+    });
+    m_client->setActiveSubWindow(windows.isEmpty() ? nullptr : windows.last());
 }
 
 } // namespace ek

@@ -34,10 +34,13 @@ signals:
 protected:
     /// Takes the client; it may be a command target too.
     void SetClient(QMdiArea* client);
+    /// To be called for every document window, so that another one is active as soon as it closes.
+    void Watch(CMDIChildWnd& child);
     void SetApplication(CCmdTarget* application) { m_application = application; }
 
 private:
     void OnSubWindowActivated();
+    void ActivateAnother();
 
     QMdiArea* m_client = nullptr;
     CCmdTarget* m_clientTarget = nullptr;

@@ -27,15 +27,20 @@ public:
     FileStream& Stream() { return m_stream; }
     const FileStream& Stream() const { return m_stream; }
 
+    /// For the library: the bytes at the stream's position, as far as they can be trusted.
+    uint64_t Read(void* buffer, uint64_t bytes);
+
     /// Completes, syncs and closes a new file: false when any of its bytes may be missing.
     bool Finish();
 
 private:
     bool Attach(int mode);
+    bool IsUnfinishedRiff() const;
 
     FileStream m_stream;
     SNDFILE* m_handle = nullptr;
     SF_INFO m_info{};
+    bool m_unfinished = false; ///< the file's header was written before its sound
 };
 
 } // namespace ek

@@ -108,12 +108,25 @@ TEST_F(DocumentsTest, CloseOfAnUnmodifiedDocumentAsksNothingAndFreesIt)
     EXPECT_GT(m_folder.TempFileCount(), 0U);
     EXPECT_TRUE(Run(ID_CLOSE_WINDOW));
     EXPECT_EQ(m_frame->ActiveChild(), nullptr);
+    EXPECT_EQ(m_frame->windowTitle(), "Ek Wave Editor");
+    EXPECT_FALSE(IsEnabled(ID_CLOSE_WINDOW));
     Settle();
     EXPECT_TRUE(m_app.Documents().empty());
     EXPECT_EQ(m_folder.TempFileCount(), 0U);
     EXPECT_TRUE(m_prompts.Messages().empty());
-    EXPECT_EQ(m_frame->windowTitle(), "Ek Wave Editor");
-    EXPECT_FALSE(IsEnabled(ID_CLOSE_WINDOW));
+}
+
+TEST_F(DocumentsTest, TheWindowUsedBeforeIsActiveAtOnce)
+{
+    for (const char* name : {"one.wav", "two.wav", "three.wav"})
+        m_frame->OpenFile(MakeSound(name));
+    m_frame->Children()[0]->Activate();
+    Run(ID_CLOSE_WINDOW);
+    EXPECT_EQ(m_frame->ActiveChild()->Document().DisplayName(), "three.wav");
+    EXPECT_EQ(m_frame->windowTitle(), "three.wav[*] - Ek Wave Editor");
+    EXPECT_TRUE(IsEnabled(ID_FILE_SAVE));
+    Settle();
+    EXPECT_EQ(m_frame->ActiveChild()->Document().DisplayName(), "three.wav");
 }
 
 TEST_F(DocumentsTest, CloseAsksAboutAModifiedDocumentAndCancelKeepsIt)

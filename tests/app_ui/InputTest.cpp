@@ -187,6 +187,7 @@ TEST_F(InputTest, TheArrowAndTheRightButtonAskForTheHistoryOnlyWhileUndoWorks)
     const auto buttons = bar->findChildren<QToolButton*>();
     const auto found = std::ranges::find(buttons, Button(ID_EDIT_UNDO), &QToolButton::defaultAction);
     ASSERT_NE(found, buttons.end());
+    std::cerr << (*found)->geometry().width() << " " << (*found)->isVisible() << (*found)->isEnabled() << "\n";
     const auto click = [&](Qt::MouseButton button, QPoint at) { QTest::mouseClick(*found, button, {}, at); };
     Button(ID_EDIT_UNDO)->setEnabled(false);
     click(Qt::RightButton, QPoint(3, 8));

@@ -128,12 +128,26 @@ TEST_F(BadInput, RatesTooFarApartAreRefusedRatherThanConverted)
 TEST_F(BadInput, HeadersThatLieAboutTheLengthGiveTheFramesThatAreThere)
 {
     const std::vector<int16_t> values = MakeNoise(1, 2000);
-    for (const uint32_t bytes : {8000u, 0x7FFFFFFFu, 0xFFFFFFFFu, 0u}) {
+    for (const uint32_t bytes : {8000u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         WritePatchedWav("a.wav", DataSizeOffset, bytes);
         EXPECT_EQ(Read("a.wav").Values, values) << bytes;
     }
     WritePatchedWav("a.wav", DataSizeOffset, 400u);
     EXPECT_EQ(Read("a.wav").Values, std::vector<int16_t>(values.begin(), values.begin() + 200));
+}
+
+TEST_F(BadInput, ARecordingThatWasNeverClosedGivesAllItsFrames)
+{
+    const std::vector<int16_t> values = MakeNoise(1, 2000);
+    for (const uint32_t riffBytes : {0u, 8u, 36u, 0xFFFFFFFFu}) {
+        WritePatchedWav("a.wav", DataSizeOffset, 0u);
+        std::vector<char> bytes = ReadBytes(Path("a.wav"));
+        std::memcpy(&bytes[4], &riffBytes, sizeof riffBytes);
+        WriteBytes("a.wav", bytes);
+        EXPECT_EQ(Read("a.wav").Values, values) << riffBytes;
+    }
+    WriteWav(Path("empty.wav"), 2, {});
+    EXPECT_EQ(Read("empty.wav").Frames(), 0u);
 }
 
 TEST_F(BadInput, CutFilesGiveNoMoreThanTheirFrames)

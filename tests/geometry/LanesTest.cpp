@@ -50,33 +50,15 @@ TEST(Lanes, OfManyChannelsTheMiddleHalvesDesignateOneChannel)
     EXPECT_EQ(lanes.ChannelAt(format, Top + 410), GetChannelByIndex(format, 4));
 }
 
-TEST(Lanes, OneLaneDesignatesItsChannelAndNoLaneAll)
-{
-    const auto stereo = MakePcm16Format(44100, 2);
-    EXPECT_EQ(Shown(1, 400, 1).ChannelAt(stereo, Top + 200), ChannelRight);
-    EXPECT_EQ(Shown(0, 400).ChannelAt(stereo, Top + 200), ChannelAll);
-    EXPECT_EQ(Shown(0, 400).Height(), 0);
-}
-
-TEST(Lanes, RowsOfAHiddenChannelAreEmpty)
+TEST(Lanes, AreFoundByChannelAndAHiddenChannelHasNoRows)
 {
     const auto stereo = MakePcm16Format(44100, 2);
     const Lanes right = Shown(1, 400, 1);
+    EXPECT_EQ(right.ChannelAt(stereo, Top + 200), ChannelRight);
     EXPECT_TRUE(right.RowsOf(stereo, ChannelLeft).IsEmpty());
-    EXPECT_TRUE(right.RowsOf(stereo, ChannelBackCentre).IsEmpty());
     EXPECT_EQ(right.RowsOf(stereo, ChannelRight), right.Lane(0));
     EXPECT_EQ(right.RowsOf(stereo, ChannelAll), right.Panel);
-}
-
-TEST(Lanes, RangeGrowsShrinksAndScrollsWithinTheChannels)
-{
-    EXPECT_EQ((LaneRange{2, 1}.ZoomedIn()), (LaneRange{2, 1}));
-    EXPECT_EQ((LaneRange{2, 3}.ZoomedIn()), (LaneRange{2, 2}));
-    EXPECT_EQ((LaneRange{5, 1}.ZoomedOut(6)), (LaneRange{4, 2}));
-    EXPECT_EQ((LaneRange{0, 6}.ZoomedOut(6)), (LaneRange{0, 6}));
-    EXPECT_EQ((LaneRange{0, 2}.ScrolledTo(9, 6)), (LaneRange{4, 2}));
-    EXPECT_EQ((LaneRange{3, 2}.ScrolledTo(-1, 6)), (LaneRange{0, 2}));
-    EXPECT_EQ((LaneRange{0, 2}.ScrolledTo(1, 1)), (LaneRange{0, 2}));
+    EXPECT_EQ(Shown(0, 400).ChannelAt(stereo, Top + 200), ChannelAll);
 }
 
 TEST(AmplitudeScale, WalksAllStepsInBothDirections)
@@ -91,16 +73,6 @@ TEST(AmplitudeScale, WalksAllStepsInBothDirections)
     EXPECT_EQ(ScaledOut(100), 100u);
     EXPECT_EQ(ScaledIn(77), 77u);
     EXPECT_EQ(ScaledOut(77), 3u); // an unknown scale counts as smaller than all
-}
-
-TEST(VerticalOffset, KeepsFullScaleOverTheLane)
-{
-    // half = 95 rows; at 50 percent full scale reaches 190 rows from the zero line.
-    EXPECT_EQ(ClampedVerticalOffset(500, 200, 5, 50), 95);
-    EXPECT_EQ(ClampedVerticalOffset(-500, 200, 5, 50), -95);
-    EXPECT_EQ(ClampedVerticalOffset(94, 200, 5, 50), 94);
-    EXPECT_EQ(ClampedVerticalOffset(40, 200, 5, 100), 0);
-    EXPECT_EQ(ClampedVerticalOffset(40, 8, 5, 3), 0);
 }
 
 } // namespace

@@ -133,13 +133,5 @@ TEST_F(Painters, TheLitCursorInvertsOneColumnOfItsChannels)
     EXPECT_EQ(Drawn(), plain);
 }
 
-TEST_F(Painters, WithoutASoundThereIsOnlyWorkspace)
-{
-    Picture.Lanes.clear();
-    QImage expected(Width, Height, QImage::Format_RGB32);
-    expected.fill(Colors.Workspace);
-    EXPECT_EQ(Drawn(), expected);
-}
-
 } // namespace
 } // namespace ek

@@ -112,7 +112,7 @@ TEST_F(WEView, HorizontalScrollBarMovesByStepPageAndToBothEnds)
     EXPECT_EQ(Geometry().FirstVisibleFrame, 4u * static_cast<uint64_t>(25'001 - 2 * width));
 }
 
-TEST_F(WEView, VerticalZoomAndScrollChooseTheChannels)
+TEST_F(WEView, VerticalZoomScrollBarAndOverviewButtonShowMoreOrFewerChannels)
 {
     Load(1000, 6);
     Show();
@@ -123,9 +123,14 @@ TEST_F(WEView, VerticalZoomAndScrollChooseTheChannels)
     EXPECT_EQ(Bar(Qt::Vertical).maximum(), 4);
     Bar(Qt::Vertical).setValue(4);
     EXPECT_EQ(Sound.FirstVisibleChannel, 4u);
-    Run(ID_ZOOM_OUT_VERTICAL);
+    Run(ID_ZOOM_OUT_VERTICAL); // at the last channel: the first one moves up
     EXPECT_EQ(Sound.FirstVisibleChannel, 3u);
     EXPECT_EQ(Bar(Qt::Vertical).value(), 3);
+
+    auto* button = View.findChild<QToolButton*>();
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_EQ(View.Places().Overview.Height(), 12 * 6 + 2);
+    EXPECT_TRUE(button->isChecked());
 }
 
 TEST_F(WEView, AmplitudePanelScalesByWheelAndShiftsByDragging)
@@ -135,7 +140,7 @@ TEST_F(WEView, AmplitudePanelScalesByWheelAndShiftsByDragging)
     const QPoint place = MiddleOf(View.Places().Amplitude);
     Wheel(place, {0, 120});
     EXPECT_EQ(Sound.AmplitudeScale, 80u);
-    EXPECT_FALSE(Sound.AmplitudeScale == 100 || !Run(ID_SCALE_IN));
+    EXPECT_TRUE(Run(ID_SCALE_IN));
     EXPECT_EQ(Sound.AmplitudeScale, 60u);
 
     QTest::mousePress(&View, Qt::LeftButton, {}, place);
@@ -170,19 +175,6 @@ TEST_F(WEView, OverviewMovesTheCursorAndDragsTheVisibleRange)
     QTest::mouseMove(&View, box + QPoint(50, 100));
     QTest::mouseRelease(&View, Qt::LeftButton, {}, box);
     EXPECT_EQ(Geometry().FirstVisibleFrame, (before + 50u * 1'000'000 / strip.Width()) / 32 * 32);
-}
-
-TEST_F(WEView, OverviewButtonExpandsTheStrip)
-{
-    Load(1000, 6);
-    Show();
-    auto* button = View.findChild<QToolButton*>();
-    QTest::mouseClick(button, Qt::LeftButton);
-    EXPECT_EQ(View.Places().Overview.Height(), 12 * 6 + 2);
-    EXPECT_TRUE(button->isChecked());
-    QTest::mouseClick(button, Qt::LeftButton);
-    EXPECT_EQ(View.Places().Overview.Height(), 16);
-    EXPECT_FALSE(button->isChecked());
 }
 
 TEST_F(WEView, ShowsTheChangeWhenTheSoundChanged)

@@ -231,6 +231,7 @@ void CMainFrame::LoadSkin()
 DocumentFrame* CMainFrame::MakeWaveFrame(CDocument& document)
 {
     auto* child = new CWEFrame(static_cast<CWEDoc&>(document), *this);
+    Watch(*child);
     connect(child, &CMDIChildWnd::TitleChanged, this, &CMainFrame::UpdateTitle);
     m_client->AddChild(child);
     child->View()->OnInitialUpdate();
