@@ -71,11 +71,13 @@ int HostStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
     return metric == PM_MdiSubWindowFrameWidth ? DocumentFrameWidth : QProxyStyle::pixelMetric(metric, option, widget);
 }
 
-/// Document windows have square corners.
+/// Document windows have square corners, and the buttons of dialogs have no pictures.
 int HostStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                          QStyleHintReturn* returnData) const
 {
-    return hint == SH_WindowFrame_Mask ? 0 : QProxyStyle::styleHint(hint, option, widget, returnData);
+    return hint == SH_WindowFrame_Mask || hint == SH_DialogButtonBox_ButtonsHaveIcons
+               ? 0
+               : QProxyStyle::styleHint(hint, option, widget, returnData);
 }
 
 void HostStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,

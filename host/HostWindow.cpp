@@ -124,8 +124,8 @@ QStringList HostWindow::OpenFilesNow(const std::vector<std::filesystem::path>& f
     if (!request.Text.empty())
         m_module.PassMessage(m_frame, nullptr, request.Text.c_str());
     QStringList refusals;
-    for (const std::filesystem::path& file : request.Refused)
-        refusals.append(QString::fromStdString(RefusalText(file)));
+    for (const std::string& refusal : request.Refusals)
+        refusals.append(QString::fromStdString(refusal));
     return refusals;
 }
 

@@ -41,7 +41,7 @@ public:
 
     /// Opens the files as soon as no dialog or menu is open.
     void OpenFiles(const std::vector<std::filesystem::path>& files);
-    /// Opens the files before it returns. The result says, for a person, which of them could not be asked for.
+    /// Opens the files before it returns. The result says, for a person, which of them were not asked for.
     QStringList OpenFilesNow(const std::vector<std::filesystem::path>& files);
 
     bool RunCommand(uint32_t id); ///< as if it came from a menu

@@ -155,19 +155,24 @@ bool Tour::SaveAs(const char* fileName)
     return IsFile(target);
 }
 
-/// A file dialog that still reads its folder may put its own suggestion back, so the name is looked at once more
-/// before it is confirmed.
+/// The dialog takes a typed name for what it is only while the field has the keyboard, and while it still reads its
+/// folder it may put its own suggestion back; so the name is typed and confirmed on different visits.
 bool Tour::AnswerFileName(QDialog& dialog, const QString& name)
 {
     auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-    if (edit && edit->text() != name) {
+    if (!edit)
+        return false;
+    if (!edit->hasFocus()) {
+        dialog.activateWindow();
+        edit->setFocus();
+    } else if (edit->text() != name) {
         Type(*edit, name);
-    } else if (edit) {
+    } else {
         m_answered = &dialog;
         SaveDialogPicture(dialog, "save-as");
         PressKey(edit, Qt::Key_Return, Qt::NoModifier, QStringLiteral("\r"));
     }
-    return edit != nullptr;
+    return true;
 }
 
 bool Tour::AnswerSaving(QDialog& dialog, const std::filesystem::path& target)

@@ -9,6 +9,6 @@ mode=(--dry-run -Werror)
 [[ ${1:-} == --fix ]] && mode=(-i)
 
 git -c safe.directory='*' ls-files -z --cached --others --exclude-standard -- '*.cpp' '*.h' |
-    while IFS= read -r -d '' file; do [[ -f $file ]] && printf '%s\0' "$file"; done |
+    while IFS= read -r -d '' file; do if [[ -f $file ]]; then printf '%s\0' "$file"; fi; done |
     xargs -0 -r -n 40 -P "$(nproc)" clang-format --style=file "${mode[@]}"
 echo "format: done"

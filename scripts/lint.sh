@@ -15,7 +15,7 @@ tidy() {
     local files=("$@")
     if [[ ${#files[@]} -eq 0 ]]; then
         mapfile -t files < <(git -c safe.directory='*' ls-files --cached --others --exclude-standard -- '*.cpp' |
-            grep -vE '^(tests|fuzz|bench)/')
+            grep -vE '^(tests|fuzz|bench)/' | while IFS= read -r file; do if [[ -f $file ]]; then echo "$file"; fi; done)
     fi
     # Findings come on the output; the error channel has the counts of what was suppressed.
     printf '%s\0' "${files[@]}" |

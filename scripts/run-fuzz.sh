@@ -14,6 +14,6 @@ for fuzzer in "$bin"/fuzz_*; do
     seeds=()
     [[ -d fuzz/corpus/$name ]] && seeds=("fuzz/corpus/$name")
     echo "== $name"
-    "$fuzzer" -max_total_time="$seconds" -rss_limit_mb=1024 -timeout=10 -print_final_stats=1 \
+    "$fuzzer" -max_total_time="$seconds" -rss_limit_mb=2048 -timeout=10 -print_final_stats=1 \
         -artifact_prefix="$found/" "$found" "${seeds[@]}"
 done

@@ -7,16 +7,15 @@ set -euo pipefail
 
 run=(g++ make cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-qpa-plugins libgl-dev
-    libsndfile1-dev libsoxr-dev libpugixml-dev libinih-dev libutfcpp-dev libspdlog-dev libcli11-dev
+    libsndfile1-dev libsoxr-dev libpugixml-dev libutfcpp-dev libspdlog-dev libcli11-dev
     fonts-dejavu-core)
 # A session without X11 needs Qt's Wayland plugin; every other one does without it.
 [[ -n ${WAYLAND_DISPLAY:-} && -z ${DISPLAY:-} ]] && run+=(qt6-wayland)
 
-# alsa-utils brings spoken recordings; sox and flac check our files with other people's code.
-test=("${run[@]}" libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev
-    xvfb xauth xdotool openbox alsa-utils sox flac)
-bench=("${test[@]}" hyperfine)
-lint=("${test[@]}" clang-format clang-tidy clang python3 git)
+# An X server without hardware and a hand on its mouse; alsa-utils brings recordings of a voice.
+test=("${run[@]}" libgtest-dev libgmock-dev xvfb xdotool alsa-utils)
+bench=("${test[@]}" hyperfine sox)
+lint=("${test[@]}" clang-format clang-tidy python3 git)
 fuzz=("${run[@]}" clang libclang-rt-14-dev)
 
 wanted=${1:-run}

@@ -34,7 +34,8 @@ private:
     bool MayReplaceTarget() const;
     bool CreateCoder(bool useStoredSettings);
     bool CloseCoder();
-    WorkResult WriteFrames();
+    WorkResult WriteSound();
+    WorkResult WritePages(CProgressDlg& progress);
     void KeepPermissions() const;
     void Discard() const;
 

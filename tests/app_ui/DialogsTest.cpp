@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FrameFixture.h"
 
-#include "app/ui/AboutDialog.h"
 #include "app/ui/QtPrompts.h"
 #include "app/ui/SoundFormatDialog.h"
 #include "background/ui/QtProgressPresenter.h"
@@ -9,12 +8,9 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QDialogButtonBox>
 #include <QFileDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
@@ -222,13 +218,10 @@ TEST_F(ProgressTest, OtherWorkShowsNoCancelAndDoesNotMindEscape)
         EXPECT_FALSE(dialog.findChild<QPushButton*>()->isVisible());
         QTest::keyClick(&dialog, Qt::Key_Escape);
         EXPECT_FALSE(dialog.close());
-        m_user.Then<QDialog>([this](QDialog& stillThere) {
-            EXPECT_EQ(stillThere.findChild<QProgressBar*>()->maximum(), 100);
-            m_release.Set();
-        });
+        EXPECT_TRUE(dialog.isVisible());
+        m_release.Set();
     });
     EXPECT_EQ(Wait(false), WorkResult::Failed);
-    EXPECT_TRUE(m_user.IsDone());
 }
 
 TEST_F(ProgressTest, AMessageThatComesUpMeanwhileCanBeAnswered)
@@ -245,20 +238,7 @@ TEST_F(ProgressTest, AMessageThatComesUpMeanwhileCanBeAnswered)
     EXPECT_EQ(Wait(true), WorkResult::Failed);
 }
 
-TEST_F(ProgressTest, WorkThatEndsAtOnceShowsNothing)
-{
-    QtProgressPresenter presenter;
-    SetProgressPresenter(&presenter);
-    for (int i = 0; i < 200; ++i)
-        EXPECT_EQ(RunInBackground("", false, [](CProgressDlg&) { return WorkResult::Finished; }), WorkResult::Finished);
-}
-
-class SoundFormatTest : public testing::Test {
-protected:
-    TestFolder m_folder;
-};
-
-TEST_F(SoundFormatTest, RequestsOfThePanelGoToTheMainWindow)
+TEST(SoundFormatTest, RequestsOfThePanelGoToTheMainWindow)
 {
     MessageKeeper mainWindow;
     CPlugInSoundFormat dialog("wav", &mainWindow, nullptr);
@@ -269,8 +249,9 @@ TEST_F(SoundFormatTest, RequestsOfThePanelGoToTheMainWindow)
     EXPECT_EQ(mainWindow.Messages, (std::vector<MessageKeeper::Message>{{EK_WM_COMMAND, ID_HOST_REQUEST_ROUTED, 99}}));
 }
 
-TEST_F(SoundFormatTest, OkKeepsTheSettingsAndCancelDoesNot)
+TEST(SoundFormatTest, OkKeepsTheSettingsAndCancelDoesNot)
 {
+    const TestFolder folder;
     const auto setting = [] { return EkGetCoderOptions("wav").at(0).Value; };
     const std::string before = setting();
     const auto change = [&](CPlugInSoundFormat& dialog) {
@@ -286,17 +267,6 @@ TEST_F(SoundFormatTest, OkKeepsTheSettingsAndCancelDoesNot)
     change(kept);
     kept.accept();
     EXPECT_NE(setting(), before);
-}
-
-TEST(AboutDialogTest, ItNamesTheModuleItsVersionAndItsLicence)
-{
-    const AboutDialog dialog(nullptr);
-    QString text;
-    for (const QLabel* label : dialog.findChildren<QLabel*>())
-        text += label->text() + '\n';
-    EXPECT_EQ(dialog.windowTitle(), "About Ek Wave Editor");
-    for (const char* part : {"Ek Wave Editor", "5.0.58", "Build compilation date:", "GNU General Public License"})
-        EXPECT_TRUE(text.contains(part)) << part;
 }
 
 } // namespace

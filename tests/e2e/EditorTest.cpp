@@ -142,8 +142,9 @@ protected:
             return hasSaid("offered copy");
         }));
         m_desktop->Release();
-        ASSERT_TRUE(Eventually([&] { return source->HasEnded(); }));
+        ASSERT_TRUE(Eventually([&] { return hasSaid("dropped"); }));
         EXPECT_TRUE(hasSaid("dropped copy"));
+        EXPECT_TRUE(ShowsFile(file.filename()));
     }
 
     void AnswerFileDialog(const std::string& title, const std::filesystem::path& file) const
@@ -168,7 +169,6 @@ TEST_F(EditorTest, ASoundIsOpenedZoomedSavedAndLeavesNoTemporaryFiles)
     ASSERT_TRUE(BringUpEditor());
 
     ASSERT_NO_FATAL_FAILURE(DragOntoEditor(Music("dragged.wav")));
-    ASSERT_TRUE(ShowsFile("dragged.wav"));
 
     ASSERT_TRUE(m_desktop->Focus("Ek Wave Editor"));
     m_desktop->Key("ctrl+o");

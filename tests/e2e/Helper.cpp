@@ -32,8 +32,7 @@ protected:
         auto* drag = new QDrag(this);
         drag->setMimeData(data);
         connect(drag, &QDrag::actionChanged, this, [](Qt::DropAction action) { Print("offered", action); });
-        Print("dropped", drag->exec(Qt::CopyAction));
-        QApplication::exit(0);
+        Print("dropped", drag->exec(Qt::CopyAction)); // the other side fetches the data after that
     }
 
 private:

@@ -16,7 +16,7 @@ namespace ek {
 namespace {
 
 constexpr long PauseNanoseconds = 20'000'000;
-constexpr int PausesOfTwoMinutes = 6000;
+constexpr int PausesOfAMinute = 3000;
 
 [[noreturn]] void Become(const std::vector<std::string>& arguments, const Environment& environment,
                          const std::filesystem::path& output)
@@ -91,7 +91,7 @@ void Pause()
 
 bool IsOverdue(int pauses)
 {
-    return pauses >= PausesOfTwoMinutes;
+    return pauses >= PausesOfAMinute;
 }
 
 } // namespace ek

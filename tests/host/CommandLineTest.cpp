@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "Scratch.h"
+
 #include "host/OpenRequest.h"
 #include "host/Options.h"
+#include "platform/Text.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace ek {
@@ -68,20 +72,24 @@ TEST(CommandLineTest, WrongArgumentsEndWithTwoAndHelpWithNone)
 
 TEST(OpenRequestTest, NamesStandInQuotes)
 {
-    EXPECT_EQ(MakeOpenRequest({"/a b.wav", "/line\nbreak.wav", "/\xc3\xa4.wav"}).Text,
-              u"Open \"/a b.wav\" \"/line\nbreak.wav\" \"/\u00e4.wav\"");
+    const Scratch folder;
+    const auto plain = folder.Write("a b.wav", "");
+    const auto broken = folder.Write("line\nbreak \xc3\xa4.wav", "");
+    const std::string text = "Open \"" + plain.native() + "\" \"" + broken.native() + "\"";
+    EXPECT_EQ(ToUtf8(MakeOpenRequest({plain, broken}).Text), text);
     EXPECT_EQ(MakeOpenRequest({}).Text, u"");
 }
 
-TEST(OpenRequestTest, ANameThatCannotBePassedIsRefusedAndTheOthersStay)
+TEST(OpenRequestTest, AFileThatCannotBeAskedForIsRefusedAndTheOthersStay)
 {
-    const OpenRequest request = MakeOpenRequest({"/a\" \"/etc/passwd", "/b.wav", "/\xff.wav"});
-    EXPECT_EQ(request.Text, u"Open \"/b.wav\"");
-    const std::vector<std::filesystem::path> refused = {"/a\" \"/etc/passwd", "/\xff.wav"};
-    EXPECT_EQ(request.Refused, refused);
-    EXPECT_NE(RefusalText(refused[0]).find("double quote"), std::string::npos);
-    EXPECT_NE(RefusalText(refused[1]).find("UTF-8"), std::string::npos);
-    EXPECT_EQ(MakeOpenRequest({"/\"only\".wav"}).Text, u"");
+    const Scratch folder;
+    const auto good = folder.Write("good.wav", "");
+    const OpenRequest request = MakeOpenRequest(
+        {folder.Write("a\" \"b.wav", ""), folder.Write("\xff.wav", ""), good, folder / "missing.wav", folder.Path()});
+    EXPECT_EQ(ToUtf8(request.Text), "Open \"" + good.native() + "\"");
+    EXPECT_THAT(request.Refusals,
+                testing::ElementsAre(testing::HasSubstr("double quote"), testing::HasSubstr("UTF-8"),
+                                     testing::EndsWith("missing.wav"), testing::EndsWith(folder.Path().native())));
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "ek/HostFrame.h"
 #include "ek/Message.h"
 #include "host/HostWindow.h"
+#include "host/OpenRequest.h"
 #include "host/SettingsStore.h"
 
 #include <gmock/gmock.h>
@@ -229,11 +230,13 @@ TEST_F(WindowTest, IdleTimeFollowsActivityAndThenStops)
 TEST_F(WindowTest, FilesAreOpenedAsOneRequest)
 {
     Start();
-    m_window->OpenFiles({"/a.wav"});
-    m_window->OpenFiles({"/b c.wav"});
+    const auto first = m_folder.Write("a.wav", "");
+    const auto second = m_folder.Write("b c.wav", "");
+    m_window->OpenFiles({first});
+    m_window->OpenFiles({second});
     EXPECT_THAT(m_module.Requests, IsEmpty());
     EXPECT_TRUE(Comes([&] { return !m_module.Requests.empty(); }));
-    EXPECT_THAT(m_module.Requests, ElementsAre(u"Open \"/a.wav\" \"/b c.wav\""));
+    EXPECT_THAT(m_module.Requests, ElementsAre(MakeOpenRequest({first, second}).Text));
 }
 
 TEST_F(WindowTest, ATextOfTheModuleAppearsInTheStatusBar)

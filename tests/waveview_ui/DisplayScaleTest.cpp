@@ -4,6 +4,7 @@
 #include "resources/CommandIds.h"
 
 #include <QProcess>
+#include <QToolButton>
 
 namespace ek {
 namespace {
@@ -33,6 +34,21 @@ TEST_F(AtThisScale, WhatIsOnTheScreenIsWhatWasDrawnPixelByPixel)
         const QRect rect = ToQRect(part);
         EXPECT_EQ(screen.copy(rect.translated(origin)), drawn.copy(rect));
     }
+}
+
+TEST_F(AtThisScale, TheMouseHitsWhatItPointsAt)
+{
+    Load(200'000, 1);
+    Show();
+    Run(ID_ZOOM_RATIO_FIRST);
+    QTest::mouseClick(&View, Qt::LeftButton, {}, {350, 8});
+    const Rect& strip = View.Places().Overview;
+    const double share = (350 - 28) * View.DisplayScale() / (strip.Width() - View.Places().OverviewInset);
+    EXPECT_NEAR(static_cast<double>(Geometry().CursorFrame), share * 200'000, 400);
+    Wheel({40, 200}, {0, 120}); // right of the amplitude panel
+    EXPECT_EQ(Sound.AmplitudeScale, 100u);
+    Wheel({27, 200}, {0, 120});
+    EXPECT_EQ(Sound.AmplitudeScale, 80u);
 }
 
 TEST_F(AtThisScale, NoControlCoversAPanel)

@@ -95,7 +95,7 @@ TEST_F(Painters, AnExposedPartIsDrawnLikeThePartOfTheWhole)
     Picture.SelectionLeft = 3;
     Picture.SelectionRight = 17;
     const QImage whole = Drawn();
-    for (const Rect& part : {Rect{4, 6, 9, 40}, Rect{28, 30, 33, 33}, Rect{35, 0, 40, 62}}) {
+    for (const Rect& part : {Rect{5, 6, 10, 40}, Rect{28, 30, 33, 33}, Rect{35, 0, 40, 62}}) {
         const QImage image = Drawn(part);
         EXPECT_EQ(image.copy(ToQRect(part)), whole.copy(ToQRect(part)));
         EXPECT_EQ(At(image, part.Left - 1, part.Top), QColor(Qt::red));

@@ -5,6 +5,7 @@
 #include "skincontrols/Skin.h"
 
 #include <QLabel>
+#include <QMenu>
 #include <QToolButton>
 
 #include <random>
@@ -17,7 +18,8 @@ class WEView : public ViewFixture {};
 TEST_F(WEView, ANewSoundIsShownWholeInTheSizeThatTheViewGets)
 {
     Load(100'000, 2);
-    Show();
+    View.resize(200, 200);
+    Show(1500);
     const auto width = static_cast<uint64_t>(Geometry().WavePanelWidth);
     EXPECT_GE(Geometry().Span(), 100'000u);
     EXPECT_LT(width * Geometry().FramesPerPixel / 2, 100'000u);

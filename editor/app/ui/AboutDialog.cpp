@@ -63,7 +63,6 @@ AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent)
     layout->addSpacing(8);
     layout->addWidget(buttons);
     setMinimumWidth(TextWidth);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
 }
 
 } // namespace ek

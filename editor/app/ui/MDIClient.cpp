@@ -158,7 +158,8 @@ void CMDIClient::resizeEvent(QResizeEvent* event)
 {
     const QRect before(QPoint(0, 0), event->oldSize());
     for (CMDIChildWnd* child : OpenChildren()) {
-        if (child->geometry() == before && !child->isMaximized())
+        const QRect place = child->geometry(); // larger than a workspace that is not laid out yet
+        if (place.topLeft() == before.topLeft() && place.contains(before) && !child->isMaximized())
             child->resize(event->size());
     }
     QMdiArea::resizeEvent(event);

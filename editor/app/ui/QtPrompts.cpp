@@ -59,9 +59,8 @@ size_t ChosenType(const QFileDialog& dialog)
 {
     const QString chosen = dialog.selectedNameFilter();
     const QStringList filters = dialog.nameFilters();
-    const auto found = std::ranges::find_if(filters, [&](const QString& filter) {
-        return filter == chosen || filter.startsWith(chosen + " (");
-    });
+    const auto found = std::ranges::find_if(
+        filters, [&](const QString& filter) { return filter == chosen || filter.startsWith(chosen + " ("); });
     return static_cast<size_t>(found - filters.begin());
 }
 

@@ -91,6 +91,8 @@ bool ShowPanel(std::string_view extension, QWidget& window)
     auto* form = new QFormLayout(panel);
     form->setContentsMargins(0, 0, 0, 0);
     for (const CoderOption& option : options) {
+        if (option.Choices.size() == 1)
+            continue; // nothing to choose
         QWidget* field = MakeField(option);
         if (IsSwitch(option))
             form->addRow(field);

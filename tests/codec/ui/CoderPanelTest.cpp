@@ -75,7 +75,9 @@ TEST_F(CoderPanelTest, EveryFieldOfEveryCoderIsReachedByAKeyAndExplained)
         ASSERT_TRUE(EkCoderShowSettings(extension, &m_window, true));
         for (const CoderOption& option : EkGetCoderOptions(extension)) {
             auto* field = Find<QWidget>(option.Key.c_str());
-            ASSERT_NE(field, nullptr) << extension << option.Key;
+            ASSERT_EQ(field != nullptr, option.Choices.size() != 1) << extension << option.Key;
+            if (!field)
+                continue; // nothing to choose
             EXPECT_FALSE(field->toolTip().isEmpty());
             EXPECT_NE(field->focusPolicy() & Qt::TabFocus, 0);
             const auto labels = Panel()->findChildren<QLabel*>();
