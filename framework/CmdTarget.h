@@ -31,23 +31,33 @@ public:
     virtual std::span<const CommandEntry> CommandTable() const { return {}; }
 };
 
-/// Table entries from member functions: Command<CWEDoc, &CWEDoc::OnSave>(57603).
-template <class T, void (T::*Run)(), void (T::*Update)(CommandUi&) = nullptr>
+/// Table entries from member functions: Command<CWEDoc, &CWEDoc::OnSave, &CWEDoc::OnUpdateSave>(57603). Without an
+/// update function the command is always enabled.
+template <class T, void (T::*Run)()>
 constexpr CommandEntry Command(uint32_t id)
 {
-    CommandEntry entry{id, id, [](CCmdTarget& target, uint32_t) { (static_cast<T&>(target).*Run)(); }, nullptr};
-    if constexpr (Update != nullptr)
-        entry.Update = [](CCmdTarget& target, CommandUi& ui) { (static_cast<T&>(target).*Update)(ui); };
+    return {id, id, [](CCmdTarget& target, uint32_t) { (static_cast<T&>(target).*Run)(); }, nullptr};
+}
+
+template <class T, void (T::*Run)(), void (T::*Update)(CommandUi&)>
+constexpr CommandEntry Command(uint32_t id)
+{
+    CommandEntry entry = Command<T, Run>(id);
+    entry.Update = [](CCmdTarget& target, CommandUi& ui) { (static_cast<T&>(target).*Update)(ui); };
     return entry;
 }
 
-template <class T, void (T::*Run)(uint32_t), void (T::*Update)(CommandUi&) = nullptr>
+template <class T, void (T::*Run)(uint32_t)>
 constexpr CommandEntry CommandRange(uint32_t first, uint32_t last)
 {
-    CommandEntry entry{first, last, [](CCmdTarget& target, uint32_t id) { (static_cast<T&>(target).*Run)(id); },
-                       nullptr};
-    if constexpr (Update != nullptr)
-        entry.Update = [](CCmdTarget& target, CommandUi& ui) { (static_cast<T&>(target).*Update)(ui); };
+    return {first, last, [](CCmdTarget& target, uint32_t id) { (static_cast<T&>(target).*Run)(id); }, nullptr};
+}
+
+template <class T, void (T::*Run)(uint32_t), void (T::*Update)(CommandUi&)>
+constexpr CommandEntry CommandRange(uint32_t first, uint32_t last)
+{
+    CommandEntry entry = CommandRange<T, Run>(first, last);
+    entry.Update = [](CCmdTarget& target, CommandUi& ui) { (static_cast<T&>(target).*Update)(ui); };
     return entry;
 }
 

@@ -28,7 +28,7 @@ void ReadSome(ek::DecoderHandle decoder)
 } // namespace
 
 /// The Vorbis library does not free this when a header is broken.
-extern "C" const char* __lsan_default_suppressions()
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions()
 {
     return "leak:vorbis_info_init\n";
 }

@@ -27,7 +27,7 @@ struct StreamInfo {
     uint32_t Channels = 0;
     uint32_t Rate = 0;
     uint32_t BitsPerSample = 0;
-    uint64_t Frames = 0;
+    uint64_t Frames = 0;        ///< as promised; 0 also when the file does not tell
     char FormatName[2064] = {}; ///< for a person, UTF-8: "WAV (Microsoft), signed 16 bit PCM"
 };
 static_assert(sizeof(StreamInfo) == 2088);
@@ -41,7 +41,8 @@ bool EkGetStreamInfo(const std::filesystem::path& path, StreamInfo& info, Stream
 
 /// `native`: `format` receives the file's own format, and the data comes as 16-bit unless the file holds
 /// 8-bit sound (8-bit unsigned then). Otherwise `format` says how the data is to be delivered: 16-bit, with the
-/// rate and the channels converted. `frames` receives the promised length in frames of the delivered rate.
+/// rate and the channels converted. `frames` receives the promised length in frames of the delivered rate, 0 when
+/// the file does not tell.
 /// Where a source holds more than 16 bits it is dithered (triangular) to 16; full scale saturates, NaN is 0.
 DecoderHandle EkOpenFile(const std::filesystem::path& path, WAVEFORMATEXTENSIBLE& format, uint64_t& frames,
                          bool native);
@@ -58,7 +59,8 @@ void EkCloseFile(DecoderHandle decoder);
 /// are converted into each other). On failure nothing is left at `target`.
 CoderHandle EkCoderCreateFile(const std::filesystem::path& target, const WAVEFORMATEXTENSIBLE& format,
                               const StreamProperties* properties, uint8_t* openAfter, const uint64_t& frames);
-/// Gives the new file the text tags that `source` holds, as far as the container can; before any data.
+/// Gives the new file the text tags that `source` holds, as far as the container can, in place of those of the
+/// properties it was created with; before any data.
 void EkCoderSetTags(CoderHandle coder, const StreamProperties& source);
 bool EkCoderAddFileData(CoderHandle coder, uint64_t frames, const void* data, uint64_t bytes);
 /// Completes and syncs the file. False when anything of it could not be written; the handle is gone either way.
@@ -88,7 +90,7 @@ struct CoderOption {
 /// such coder.
 std::vector<CoderOption> EkGetCoderOptions(std::string_view extension);
 /// Stores values for the next file made without properties. False, and nothing stored, when a key or a value is
-/// not the coder's; `error` then says which, for a person.
+/// not the coder's, and when the settings cannot be written; `error` then says why, for a person.
 bool EkSetCoderOptions(std::string_view extension, const std::map<std::string, std::string>& values,
                        std::string& error);
 

@@ -46,6 +46,8 @@ bool SoundSource::Seek(uint64_t frame)
 {
     if (frame == m_position)
         return true;
+    if (Frames() != 0 && frame > Frames())
+        return false;
     const auto target = static_cast<sf_count_t>(std::min<uint64_t>(frame, SF_COUNT_MAX));
     if (sf_seek(m_file.Handle(), target, SEEK_SET) == target) {
         m_position = frame;

@@ -97,21 +97,16 @@ protected:
 
 TEST_F(PromptsTest, ABoxShowsItsTextPlainAndGivesTheAnswer)
 {
-    AnswerBox(QMessageBox::Yes);
-    AnswerBox(QMessageBox::No);
-    m_user.Then<QMessageBox>([](QMessageBox& box) { box.reject(); });
-    const auto ask = [this] {
-        return m_prompts.ShowMessage("Save changes to <b>a&b</b>?", MessageButtons::YesNoCancel, MessageIcon::Question);
-    };
-    EXPECT_EQ(ask(), MessageAnswer::Yes);
-    EXPECT_EQ(ask(), MessageAnswer::No);
-    EXPECT_EQ(ask(), MessageAnswer::Cancel);
     m_user.Then<QMessageBox>([](QMessageBox& box) {
         EXPECT_EQ(box.textFormat(), Qt::PlainText);
-        EXPECT_EQ(box.icon(), QMessageBox::Critical);
-        box.reject();
+        box.button(QMessageBox::No)->click();
     });
-    EXPECT_EQ(m_prompts.ShowMessage("no", MessageButtons::Ok, MessageIcon::Error), MessageAnswer::Ok);
+    m_user.Then<QMessageBox>([](QMessageBox& box) { box.reject(); });
+    const auto ask = [this] {
+        return m_prompts.ShowMessage("Save <b>a&b</b>?", MessageButtons::YesNoCancel, MessageIcon::Question);
+    };
+    EXPECT_EQ(ask(), MessageAnswer::No);
+    EXPECT_EQ(ask(), MessageAnswer::Cancel);
 }
 
 TEST_F(PromptsTest, ANameGetsTheExtensionOfTheChosenType)

@@ -89,7 +89,7 @@ TEST_F(ExportsTest, AHostOlderThanOneDotZeroIsRefusedWithAMessage)
     watch.start(1);
     EXPECT_EQ(EK_FIND(EkInitialize)(&m_page, nullptr, nullptr, &m_host), nullptr);
     EXPECT_TRUE(text.startsWith("You have Ek MP3 Vantler frame version 0.95.\n"));
-    EXPECT_TRUE(m_host.Calls.Lines().empty());
+    EXPECT_TRUE(m_host.Calls.Take().empty());
     EXPECT_TRUE(m_page.children().isEmpty());
 }
 
