@@ -17,7 +17,7 @@ class RecentFilesTest : public testing::Test, public SettingsPort {
 protected:
     std::filesystem::path MakeFile(const std::string& name) const
     {
-        const std::filesystem::path path = m_folder.Path() / name;
+        std::filesystem::path path = m_folder.Path() / name;
         std::ofstream(path) << name;
         return path;
     }

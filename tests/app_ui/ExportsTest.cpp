@@ -28,7 +28,7 @@ Function Find(const char* name)
     return reinterpret_cast<Function>(module ? dlsym(module, name) : nullptr);
 }
 
-#define EK_FIND(name) Find<decltype(&name)>(#name)
+#define EK_FIND(name) Find<decltype(&(name))>(#name)
 
 class ExportsTest : public testing::Test {
 protected:

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QMenu>
 #include <QVBoxLayout>
 
@@ -60,7 +61,7 @@ protected:
 
     std::filesystem::path MakeSound(const std::string& name, size_t frames = 3000) const
     {
-        const std::filesystem::path path = m_folder.Path() / name;
+        std::filesystem::path path = m_folder.Path() / name;
         WriteWav(path, 2, MakeRamp(frames * 2));
         return path;
     }

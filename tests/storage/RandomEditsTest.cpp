@@ -110,6 +110,7 @@ void RandomEdits::Write()
     const std::vector<int16_t> values = Noise(end - start, m_model.Channels);
     ASSERT_TRUE(m_store->WriteData(values.data(), Bytes(start), Bytes(end - start)));
     m_model.Write(start, values);
+    Read();
     ASSERT_TRUE(m_store->RebuildPeakCachePart(start, end - start, end - start, ChannelAll));
 }
 

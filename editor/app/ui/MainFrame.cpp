@@ -23,6 +23,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QStatusTipEvent>
+#include <QWindow>
 
 namespace ek {
 

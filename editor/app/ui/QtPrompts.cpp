@@ -75,7 +75,7 @@ std::filesystem::path SuggestedName(const std::filesystem::path& suggestion, con
 {
     if (!suggestion.is_absolute())
         return suggestion;
-    const std::filesystem::path name = suggestion.filename();
+    std::filesystem::path name = suggestion.filename();
     if (CompleteFileName(name, types, 0, defaultExtension) == name)
         return name;
     return name.stem();
