@@ -45,6 +45,7 @@ DesktopTheme::DesktopTheme(bool ask) : m_isDark(IsPlatformDark())
 void DesktopTheme::Ask()
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
+    qRegisterMetaType<QDBusVariant>(); // a slot with a type that is not registered yet is not connected
     bus.connect(Service, Path, Interface, QStringLiteral("SettingChanged"), this,
                 SLOT(OnSettingChanged(QString, QString, QDBusVariant)));
     QDBusMessage read = QDBusMessage::createMethodCall(Service, Path, Interface, QStringLiteral("Read"));

@@ -98,8 +98,8 @@ bool CClearWaveDataProgress::Process(int16_t* frames, uint64_t first, uint64_t c
 }
 
 CMixWaveDataProgress::CMixWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source,
-                                           uint64_t oldEnd, SoundBuffer* undo)
-    : EditProcessor(store, std::move(range)), m_source(source), m_oldFrames(oldEnd - m_range.Start), m_undo(undo)
+                                           SoundBuffer* undo)
+    : EditProcessor(store, std::move(range)), m_source(source), m_undo(undo)
 {
 }
 
@@ -107,8 +107,6 @@ bool CMixWaveDataProgress::Process(int16_t* frames, uint64_t first, uint64_t cou
 {
     if (m_undo)
         AppendTo(*m_undo, frames, count, StoreFormat());
-    const uint64_t old = CountBelow(m_oldFrames, first, count);
-    ClearWaveData(frames + old * StoreFormat().nChannels, StoreFormat(), count - old, ChannelAll);
     const uint64_t mixed = CountBelow(m_source.FrameCount, first, count);
     MixWaveData(frames, frames, count, SamplesAt(m_source, first), mixed, StoreFormat(), m_range.Code);
     return WriteBack(frames, first, count);

@@ -60,17 +60,15 @@ private:
     SoundBuffer* m_undo;
 };
 
-/// Mixes a block in. Frames from `oldEnd` (of the store) on are new room and count as silence.
+/// Mixes a block in; the old frames go into an undo block (may be null) as far as it has room.
 class CMixWaveDataProgress final : public EditProcessor {
 public:
-    CMixWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source, uint64_t oldEnd,
-                         SoundBuffer* undo);
+    CMixWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source, SoundBuffer* undo);
 
 private:
     bool Process(int16_t* frames, uint64_t first, uint64_t count) override;
 
     const SoundBuffer& m_source;
-    const uint64_t m_oldFrames; ///< of the range that were there before
     SoundBuffer* m_undo;
 };
 

@@ -19,6 +19,12 @@ void LogFile(int level, const char* format, const std::filesystem::path& name)
     enDebugManager().WriteLogMessage(ModuleName, level, format, name.string().c_str());
 }
 
+void LogOffset(uint64_t offset)
+{
+    enDebugManager().WriteLogMessage(ModuleName, LogError, "Error! Failed to find temporary file by offset %I64x.",
+                                     offset);
+}
+
 bool LogUnlessOk(const IoStatus& status, const char* format, const std::filesystem::path& name)
 {
     if (!status.Ok())
@@ -95,6 +101,14 @@ void TempFileList::Reindex()
     m_index.clear();
     for (auto entry = m_entries.begin(); entry != m_entries.end(); ++entry)
         m_index.push_back(entry);
+}
+
+bool TempFileList::IsRange(uint64_t from, uint64_t to) const
+{
+    const bool inside = from <= to && to <= Length();
+    if (!inside)
+        LogOffset(to);
+    return inside;
 }
 
 /// The first entry that ends behind the offset; the end of the list for the end of the stream.
@@ -190,7 +204,8 @@ bool TempFileList::MakeRoom(List& pieces, uint64_t start, uint64_t length)
 
 bool TempFileList::InsertSpace(uint64_t a, uint64_t b, uint64_t length)
 {
-    assert(a <= b && b <= Length());
+    if (!IsRange(a, b))
+        return false;
     const Iterator first = Find(a);
     Iterator next = Find(b);
     if (first == next && next != m_entries.end() && next->Start != a) {
@@ -212,9 +227,8 @@ bool TempFileList::InsertSpace(uint64_t a, uint64_t b, uint64_t length)
 
 bool TempFileList::Remove(uint64_t from, uint64_t to)
 {
-    assert(from <= to && to <= Length());
-    if (from == to)
-        return true;
+    if (from == to || !IsRange(from, to))
+        return from == to;
     // Only the file that goes on behind the range has to move bytes; all the rest is bookkeeping and cannot fail.
     const Iterator last = Find(to);
     if (last != m_entries.end() && last->Start < to) {

@@ -46,10 +46,10 @@ public:
     void Append(TempFileEntry entry); ///< its Start becomes the end of the stream
     static bool Discard(TempFileEntry& entry);
 
-    /// The stream grows by `length` zero bytes somewhere in [a, b], exactly at `b` when a == b; a <= b <= Length().
+    /// The stream grows by `length` zero bytes somewhere in [a, b], exactly at `b` when a == b.
     /// On failure the stream is as before.
     bool InsertSpace(uint64_t a, uint64_t b, uint64_t length);
-    /// Takes [from, to) out; from <= to <= Length(). On failure the stream is as before, where the disk allows.
+    /// Takes [from, to) out. On failure the stream is as before, where the disk allows.
     bool Remove(uint64_t from, uint64_t to);
     /// Fills an empty list with copies of the files of `source`; on failure it holds the copies made so far.
     bool CopyFrom(const TempFileList& source);
@@ -59,6 +59,7 @@ private:
     using Iterator = List::iterator;
 
     static uint64_t EndOf(const TempFileEntry& entry) { return entry.Start + entry.Length; }
+    bool IsRange(uint64_t from, uint64_t to) const; ///< logs when it is not one of the stream
     Iterator Find(uint64_t offset);
     Iterator Split(Iterator entry, uint64_t offset);
     static bool CopyFile(const TempFileEntry& original, TempFileEntry& copy);

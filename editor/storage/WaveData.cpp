@@ -92,6 +92,7 @@ int16_t CWaveData::SampleAt(uint64_t valueIndex)
 
 bool CWaveData::InsertSpace(uint64_t a, uint64_t b, uint64_t length)
 {
+    assert(BlockAlign() != 0);
     if (!FlushPages() || !m_files.InsertSpace(a, b, length))
         return false;
     m_record.FrameCount += length / BlockAlign();

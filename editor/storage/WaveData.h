@@ -94,7 +94,8 @@ public:
     /// Replaces [start, end) by the block; `end` becomes the end of what was written.
     WorkResult ReplaceFrames(uint64_t start, uint64_t& end, const SoundBuffer& block, ChannelCode code,
                              bool cancellable, const std::string& caption);
-    /// Mixes the block in from `start` on; the sound grows when the block is longer than what follows.
+    /// Mixes the block in from `start` (not beyond the end) on; the sound grows when the block is longer than what
+    /// follows.
     WorkResult MixFrames(SoundBuffer* undo, uint64_t start, const SoundBuffer& block, ChannelCode code,
                          bool cancellable, const std::string& caption);
 

@@ -68,14 +68,14 @@ WorkResult CWaveData::ReplaceFrames(uint64_t start, uint64_t& end, const SoundBu
 WorkResult CWaveData::MixFrames(SoundBuffer* undo, uint64_t start, const SoundBuffer& block, ChannelCode code,
                                 bool cancellable, const std::string& caption)
 {
-    const uint64_t oldEnd = FrameCount();
     const uint64_t length = block.FrameCount;
-    const uint64_t mixed = std::min(oldEnd - start, length);
+    const uint64_t mixed = std::min(FrameCount() - start, length);
     const bool grows = length > mixed;
+    // New room at the end is silence, which every mix starts from.
     if (grows && !InsertSpace(ByteLength(), ByteLength(), (length - mixed) * BlockAlign()))
         return WorkResult::Failed;
     const EditRange range{start, length, code, caption, cancellable};
-    const WorkResult result = CMixWaveDataProgress(*this, range, block, oldEnd, undo).Run();
+    const WorkResult result = CMixWaveDataProgress(*this, range, block, undo).Run();
     if (result == WorkResult::Finished && !RebuildPeakCachePart(start, mixed, length, grows ? ChannelAll : code))
         return WorkResult::Failed;
     return result;

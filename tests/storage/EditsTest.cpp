@@ -69,6 +69,21 @@ TEST_F(EditsTest, ABlockMixedInBeyondTheEndIsHeardAsItIs)
     EXPECT_EQ(m_store.SampleAt(2 * 23999), 30000);
 }
 
+TEST_F(EditsTest, AMixThatGrowsOneChannelRenewsThePeaksOfAll)
+{
+    CWaveData store;
+    SoundModel model{2, std::vector<int16_t>(2 * 5000, 700)};
+    Fill(store, model);
+    ASSERT_TRUE(store.DeleteFrames(3000, 5000, ChannelAll, "", nullptr)); // entries beyond the end stay behind
+    model.Remove(3000, 5000);
+    std::vector<int16_t> block(2000, 100);
+    ASSERT_EQ(store.MixFrames(nullptr, 2000, BlockOf(block, m_mono, ChannelLeft), ChannelLeft, true, ""),
+              WorkResult::Finished);
+    model.Mix(0, 2000, block);
+    ExpectSameSound(store, model);
+    ExpectSamePeaks(store, model);
+}
+
 TEST_F(EditsTest, AnEditWithoutRoomOnTheDiskFailsAndChangesNothing)
 {
     std::vector<int16_t> block = MakeRamp(2 * 30000);

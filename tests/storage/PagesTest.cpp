@@ -94,6 +94,17 @@ TEST_F(StoreTest, ARangeBeyondTheEndIsDoneUpToTheEnd)
     EXPECT_EQ(LoggedTexts().back(), "Error! Trying to write data beyond the limit of data pages!. Position: 7ce");
 }
 
+TEST_F(StoreTest, EditsBeyondTheEndAreRefused)
+{
+    CWaveData store;
+    const SoundModel model{1, MakeRamp(1000)};
+    Fill(store, model);
+    EXPECT_FALSE(store.RemoveData(1000, 2002));
+    EXPECT_FALSE(store.InsertSpace(2002, 2002, 100));
+    EXPECT_EQ(LoggedTexts().back(), "Error! Failed to find temporary file by offset 7d2.");
+    ExpectSameSound(store, model);
+}
+
 TEST_F(StoreTest, NewRoomIsSilentAllocatedAndInFilesOfOnePage)
 {
     CWaveData store;

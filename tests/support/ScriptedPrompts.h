@@ -15,7 +15,7 @@ namespace ek {
 class ScriptedPrompts final : public Prompts {
 public:
     ScriptedPrompts();
-    ~ScriptedPrompts();
+    ~ScriptedPrompts() override;
 
     void AnswerMessage(MessageAnswer answer) { m_answers.push_back(answer); }
     void AnswerOpen(std::vector<std::filesystem::path> paths) { m_open.push_back(std::move(paths)); }
