@@ -117,7 +117,7 @@ bool Tour::Take(const Step& step)
 
 std::filesystem::path Tour::NextPicture(const char* name)
 {
-    const std::filesystem::path picture = m_folder / Format("%02d-%s.png", ++m_pictures, name);
+    std::filesystem::path picture = m_folder / Format("%02d-%s.png", ++m_pictures, name);
     std::printf("  %s\n", picture.filename().c_str());
     return picture;
 }

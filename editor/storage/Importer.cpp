@@ -123,7 +123,11 @@ WorkResult Importer::CopyFrames(CProgressDlg& progress)
                 static_cast<uint32_t>(std::min<uint64_t>(m_record.FrameCount * 100 / m_promisedFrames, 100)));
         more = page.size() == PageCache::PageSize;
     }
-    return WorkResult::Finished;
+    // A read that failed looks like the end of the sound; what is missing must not go unnoticed.
+    if (!EkDecoderFailed(m_decoder))
+        return WorkResult::Finished;
+    Log(LogError, "Error: Failed to read file \"%s\".");
+    return WorkResult::Failed;
 }
 
 WorkResult Importer::Run(CProgressDlg& progress)

@@ -39,7 +39,6 @@ Desktop::Desktop(const std::filesystem::path& folder) : m_folder(folder)
         {"WAYLAND_DISPLAY", ""},
         {"QT_SCALE_FACTOR", ""},
         {"QT_QPA_PLATFORMTHEME", ""},
-        {"ASAN_OPTIONS", "detect_leaks=0"}, // the desktop's libraries keep memory to the end
         {"DBUS_SESSION_BUS_ADDRESS", "disabled:"},
     };
 }

@@ -129,6 +129,20 @@ TEST_F(ImportTest, ACancelledImportKeepsWhatWasReadWithItsPeaks)
     EXPECT_TRUE(m_prompts.Messages().empty());
 }
 
+TEST_F(ImportTest, AReadErrorInTheMiddleIsNotTakenForTheEnd)
+{
+    MakeFile(2, 3 * PageValues);
+    FaultyFileCalls calls("sound.wav", FaultyFileCalls::Reads);
+    ASSERT_TRUE(m_store.OpenFile(m_path));
+    const uint64_t reads = calls.CallCount();
+    calls.FailCall(reads - 1, EIO);
+    EXPECT_FALSE(m_store.OpenFile(m_path));
+    EXPECT_TRUE(calls.HasFailed());
+    EXPECT_EQ(m_prompts.Messages(), std::vector<std::string>{"Can't open file sound.wav"});
+    EXPECT_EQ(m_store.FrameCount(), 0U);
+    EXPECT_EQ(m_folder.TempFileCount(), 0U);
+}
+
 TEST_F(ImportTest, AFaultAtAnyTemporaryFileIsToldAndLeavesNothing)
 {
     const SoundModel model = MakeFile(2, 3 * PageValues + 10);
