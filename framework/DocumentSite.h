@@ -13,6 +13,8 @@ class DocumentSite {
 public:
     virtual void AddRecentFile(const std::filesystem::path& path) = 0;
     virtual void RefreshMenu() = 0;
+    /// Gives the keyboard back to the document's view after a dialog.
+    virtual void FocusView(CDocument& document) = 0;
     /// Closes the document's window once the present call has returned, and opens `path` instead.
     virtual void ReopenAs(CDocument& document, const std::filesystem::path& path) = 0;
 

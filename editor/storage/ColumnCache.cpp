@@ -122,17 +122,12 @@ uint64_t ColumnCache::KeepColumns(const Range& range, uint64_t& firstKept)
     const uint64_t newEnd = range.FirstColumn() + range.Count();
     const uint64_t from = std::max(m_firstColumn, range.FirstColumn());
     const uint64_t to = std::min(oldEnd, newEnd);
-    if (from >= to || (from != range.FirstColumn() && to != newEnd))
+    if (from >= to)
         return 0;
     firstKept = from - range.FirstColumn();
     for (uint32_t channel = 0; channel < m_channels; ++channel) {
-        const auto old = m_buffers[channel].begin() + static_cast<ptrdiff_t>(from - m_firstColumn);
-        const auto oldLast = m_buffers[channel].begin() + static_cast<ptrdiff_t>(to - m_firstColumn);
-        const auto place = m_buffers[channel].begin() + static_cast<ptrdiff_t>(firstKept);
-        if (place < old)
-            std::copy(old, oldLast, place);
-        else
-            std::copy_backward(old, oldLast, place + (oldLast - old));
+        PeakPair* columns = m_buffers[channel].data();
+        std::memmove(columns + firstKept, columns + (from - m_firstColumn), (to - from) * sizeof(PeakPair));
     }
     return to - from;
 }

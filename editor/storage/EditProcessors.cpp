@@ -112,9 +112,8 @@ bool CMixWaveDataProgress::Process(int16_t* frames, uint64_t first, uint64_t cou
     return WriteBack(frames, first, count);
 }
 
-CSubstituteWaveDataProgress::CSubstituteWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source,
-                                                         uint64_t oldFrames)
-    : EditProcessor(store, std::move(range)), m_source(source), m_oldFrames(oldFrames)
+CSubstituteWaveDataProgress::CSubstituteWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source)
+    : EditProcessor(store, std::move(range)), m_source(source)
 {
 }
 
@@ -122,26 +121,10 @@ bool CSubstituteWaveDataProgress::Process(int16_t* frames, uint64_t first, uint6
 {
     if (AllChannels())
         return WriteBack(SamplesAt(m_source, first), first, count);
-    SubstituteChannel(frames, first, count);
-    const uint64_t old = CountBelow(m_oldFrames, first, count);
-    SilenceOtherChannels(frames + old * StoreFormat().nChannels, count - old);
-    return WriteBack(frames, first, count);
-}
-
-void CSubstituteWaveDataProgress::SubstituteChannel(int16_t* frames, uint64_t first, uint64_t count)
-{
     const uint64_t copied = CountBelow(m_source.FrameCount, first, count);
     CopyWaveData(frames, SamplesAt(m_source, first), StoreFormat(), copied, m_range.Code);
     ClearWaveData(frames + copied * StoreFormat().nChannels, StoreFormat(), count - copied, m_range.Code);
-}
-
-void CSubstituteWaveDataProgress::SilenceOtherChannels(int16_t* frames, uint64_t count)
-{
-    for (uint32_t position = 0; position < StoreFormat().nChannels; ++position) {
-        const ChannelCode code = GetChannelByIndex(StoreFormat(), position);
-        if (code != m_range.Code)
-            ClearWaveData(frames, StoreFormat(), count, code);
-    }
+    return WriteBack(frames, first, count);
 }
 
 } // namespace ek

@@ -72,18 +72,15 @@ private:
     SoundBuffer* m_undo;
 };
 
-/// Puts a block in the place of the first `oldFrames` frames of the range; the rest of the range is new room.
+/// Puts a block in the place of the range: of the frames, or of one channel, which is silent behind the block's end.
 class CSubstituteWaveDataProgress final : public EditProcessor {
 public:
-    CSubstituteWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source, uint64_t oldFrames);
+    CSubstituteWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source);
 
 private:
     bool Process(int16_t* frames, uint64_t first, uint64_t count) override;
-    void SubstituteChannel(int16_t* frames, uint64_t first, uint64_t count);
-    void SilenceOtherChannels(int16_t* frames, uint64_t count);
 
     const SoundBuffer& m_source;
-    const uint64_t m_oldFrames;
 };
 
 } // namespace ek

@@ -45,7 +45,7 @@ bool CWaveData::MakeRoomFor(uint64_t start, uint64_t end, uint64_t newLength, Ch
         return RemoveData(start * blockAlign, (end - newLength) * blockAlign);
     if (newLength == oldLength)
         return true;
-    // Where the other channels keep their frames, the room must lie exactly behind them.
+    // Where the other channels keep their frames, the room must lie exactly behind them; it is silent in them then.
     const uint64_t earliest = EditsOneChannel(code) ? end : start;
     return InsertSpace(earliest * blockAlign, end * blockAlign, (newLength - oldLength) * blockAlign);
 }
@@ -58,7 +58,7 @@ WorkResult CWaveData::ReplaceFrames(uint64_t start, uint64_t& end, const SoundBu
     if (!MakeRoomFor(start, end, length, code) || !FlushPages())
         return WorkResult::Failed;
     const EditRange range{start, length, code, caption, cancellable};
-    WorkResult result = CSubstituteWaveDataProgress(*this, range, block, oldLength).Run();
+    WorkResult result = CSubstituteWaveDataProgress(*this, range, block).Run();
     end = start + length;
     if (!FlushPages() || (result == WorkResult::Finished && !BuildPeakCache()))
         result = WorkResult::Failed;

@@ -18,12 +18,16 @@ ClipRegistry* g_clipRegistry = nullptr;
 /// An 8-bit block as 16-bit: unsigned bytes with the zero line at 128.
 bool Widen(const CSoundBlock& narrow, const WAVEFORMATEXTENSIBLE& wideFormat, CSoundBlock& wide)
 {
-    if (narrow.Format.wBitsPerSample != 8 || !wide.Create(narrow.FrameCount, wideFormat, nullptr, narrow.Code))
+    if (narrow.Format.wBitsPerSample != 8)
         return false;
-    auto* samples = reinterpret_cast<int16_t*>(wide.Data);
-    std::transform(narrow.Data, narrow.Data + narrow.ByteSize(), samples,
-                   [](uint8_t value) { return static_cast<int16_t>((value - 128) * 256); });
-    return true;
+    const auto widen = [&](CProgressDlg&) {
+        if (!wide.Create(narrow.FrameCount, wideFormat, nullptr, narrow.Code))
+            return WorkResult::Failed;
+        std::transform(narrow.Data, narrow.Data + narrow.ByteSize(), reinterpret_cast<int16_t*>(wide.Data),
+                       [](uint8_t value) { return static_cast<int16_t>((value - 128) * 256); });
+        return WorkResult::Finished;
+    };
+    return RunInBackground("Creating New File...", false, widen) == WorkResult::Finished;
 }
 
 } // namespace
@@ -77,11 +81,16 @@ void CWEDoc::DeleteContents()
     SetPath({});
 }
 
+bool CWEDoc::TakeFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties)
+{
+    m_ready = m_store.SetFormat(format, properties);
+    return m_ready;
+}
+
 bool CWEDoc::SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties)
 {
-    if (!m_store.SetFormat(format, properties))
-        return false;
-    m_ready = true;
+    if (!TakeFormat(format, properties))
+        return DropSound();
     OnNewSound();
     return true;
 }
@@ -89,7 +98,7 @@ bool CWEDoc::SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamPropertie
 bool CWEDoc::OpenFromStore(CWaveData& source)
 {
     if (!m_store.CopyFrom(source))
-        return false;
+        return DropSound();
     m_ready = true;
     SetModified(false);
     OnNewSound();
@@ -98,8 +107,15 @@ bool CWEDoc::OpenFromStore(CWaveData& source)
 
 bool CWEDoc::NewFromBlock(const CSoundBlock& block)
 {
-    if (!SetFormat(block.Format, nullptr))
-        return false;
+    if (!TakeFormat(block.Format, nullptr) || !TakeBlock(block))
+        return DropSound();
+    SetModified(true);
+    OnNewSound();
+    return true;
+}
+
+bool CWEDoc::TakeBlock(const CSoundBlock& block)
+{
     const CSoundBlock* source = &block;
     CSoundBlock wide;
     if (block.Format.wBitsPerSample != Format().wBitsPerSample) {
@@ -108,11 +124,14 @@ bool CWEDoc::NewFromBlock(const CSoundBlock& block)
         source = &wide;
     }
     uint64_t end = 0;
-    if (m_store.ReplaceFrames(0, end, *source, ChannelAll, false, "Creating New File...") != WorkResult::Finished)
-        return false;
-    SetModified(true);
+    return m_store.ReplaceFrames(0, end, *source, ChannelAll, false, "Creating New File...") == WorkResult::Finished;
+}
+
+bool CWEDoc::DropSound()
+{
+    DeleteContents();
     OnNewSound();
-    return true;
+    return false;
 }
 
 void CWEDoc::OnNewSound()
@@ -157,26 +176,43 @@ bool CWEDoc::ReturnToClip()
 
 bool CWEDoc::DoSave()
 {
-    if (m_editKey)
-        return ReturnToClip();
-    return Path().empty() ? SaveAs() : OnSaveDocument(Path());
+    return Save(true);
 }
 
 bool CWEDoc::SaveAs()
 {
+    return SaveToChosen(true);
+}
+
+bool CWEDoc::Save(bool mayReopen)
+{
+    if (!m_editKey && Path().empty())
+        return SaveToChosen(mayReopen);
+    const bool saved = m_editKey ? ReturnToClip() : OnSaveDocument(Path());
+    FocusView();
+    return saved;
+}
+
+void CWEDoc::FocusView()
+{
+    if (DocumentSite* site = CurrentDocumentSite())
+        site->FocusView(*this);
+}
+
+bool CWEDoc::SaveToChosen(bool mayReopen)
+{
     const std::filesystem::path suggestion = Path().empty() ? std::filesystem::path(Title()) : Path();
     const auto target = CurrentPrompts().ChooseFileToSave(EkGetSupportedCoderExtensions(), "wav", suggestion);
-    if (!target)
-        return false;
     bool openAfter = false;
-    if (!SaveTo(*target, false, &openAfter))
-        return false;
-    if (DocumentSite* site = CurrentDocumentSite()) {
+    const bool saved = target && SaveTo(*target, false, &openAfter);
+    DocumentSite* site = CurrentDocumentSite();
+    if (saved && site)
         site->RefreshMenu();
-        if (openAfter)
-            site->ReopenAs(*this, *target);
-    }
-    return true;
+    if (saved && site && openAfter && mayReopen)
+        site->ReopenAs(*this, *target);
+    else
+        FocusView();
+    return saved;
 }
 
 bool CWEDoc::SaveModified()
@@ -186,7 +222,7 @@ bool CWEDoc::SaveModified()
     const std::string question = ek::Format("Save changes to %s?", DisplayName().c_str());
     switch (AfxSCMessageBox(question, MessageButtons::YesNoCancel, MessageIcon::Question)) {
     case MessageAnswer::Yes:
-        return DoSave();
+        return Save(false); // the document is on its way out: nothing of it is opened again
     case MessageAnswer::No:
         return true;
     default:

@@ -57,7 +57,14 @@ public:
 
 private:
     bool SaveTo(const std::filesystem::path& path, bool useStoredSettings, bool* openAfter);
+    bool SaveToChosen(bool mayReopen);
+    bool Save(bool mayReopen);
     bool ReturnToClip();
+    void FocusView();
+    bool TakeFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties);
+    bool TakeBlock(const CSoundBlock& block);
+    /// Nothing is left of a sound that did not arrive.
+    bool DropSound();
     /// Another sound has arrived: display state and column cache start afresh, and the views are told.
     void OnNewSound();
     void OnSave() { DoSave(); }

@@ -68,7 +68,9 @@ QAction* CommandToolBar::AddHistoryCommand(uint32_t id, uint32_t historyId, cons
 {
     QAction* action = AddCommand(id, texts);
     removeAction(action); // the button takes the place of the one that the tool bar made
-    addWidget(new HistoryButton(action, [this, historyId] { emit HistoryRequested(historyId); }));
+    auto* button = new HistoryButton(action, [this, historyId] { emit HistoryRequested(historyId); });
+    addWidget(button);
+    connect(button, &QToolButton::triggered, this, &QToolBar::actionTriggered);
     return action;
 }
 

@@ -153,7 +153,10 @@ TEST_F(InputTest, TheArrowAndTheRightButtonAskForTheHistoryOnlyWhileUndoWorks)
     undo->setEnabled(true);
     QTest::mouseClick(button, Qt::RightButton, {}, QPoint(3, 8));
     QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(button->width() - 3, button->height() / 2));
+    std::vector<QAction*> run;
+    QObject::connect(bar, &QToolBar::actionTriggered, bar, [&](QAction* action) { run.push_back(action); });
     QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(4, button->height() / 2));
+    EXPECT_EQ(run, std::vector<QAction*>{undo});
     EXPECT_EQ(asked, (std::vector<uint32_t>{ID_UNDO_HISTORY, ID_UNDO_HISTORY}));
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "waveedit/WEDoc.h"
 #include "framework/DocumentSite.h"
-#include "platform/FileCalls.h"
 #include "platform/Text.h"
+#include "support/FaultyFileCalls.h"
 #include "support/ScriptedPrompts.h"
 #include "support/TestFolder.h"
 #include "waveedit/SoundBlock.h"
@@ -11,6 +11,7 @@
 
 #include <cerrno>
 #include <fstream>
+#include <functional>
 
 namespace ek {
 namespace {
@@ -21,10 +22,12 @@ public:
     ~RecordingSite() { SetDocumentSite(nullptr); }
     void AddRecentFile(const std::filesystem::path& path) override { Recent.push_back(path); }
     void RefreshMenu() override { ++MenuRefreshes; }
+    void FocusView(CDocument&) override { ++Focused; }
     void ReopenAs(CDocument&, const std::filesystem::path& path) override { Reopened = path; }
 
     std::vector<std::filesystem::path> Recent;
     int MenuRefreshes = 0;
+    int Focused = 0;
     std::filesystem::path Reopened;
 };
 
@@ -122,6 +125,43 @@ TEST_F(WEDocTest, AFileThatIsNoSoundLeavesTheDocumentNotReady)
     EXPECT_EQ(m_prompts.Messages().size(), 1U);
 }
 
+TEST_F(WEDocTest, OpeningAfterSavingReplacesTheDocumentUnlessItIsClosing)
+{
+    CWEDoc document;
+    Fill(document, 10);
+    const std::function<bool(std::string_view)> openAfter = [](std::string_view extension) {
+        std::string error;
+        return EkSetCoderOptions(extension, {{"openafter", "1"}}, error);
+    };
+    m_prompts.AnswerMessage(MessageAnswer::Yes);
+    m_prompts.AnswerSave(m_folder.Path() / "closing.wav");
+    m_prompts.AnswerSoundFormat(openAfter);
+    EXPECT_TRUE(document.SaveModified());
+    EXPECT_TRUE(m_site.Reopened.empty());
+    EXPECT_EQ(m_site.Focused, 1);
+    m_prompts.AnswerSave(m_folder.Path() / "staying.wav");
+    m_prompts.AnswerSoundFormat(openAfter);
+    EXPECT_TRUE(document.SaveAs());
+    EXPECT_EQ(m_site.Reopened, m_folder.Path() / "staying.wav");
+    EXPECT_EQ(m_site.Focused, 1);
+}
+
+TEST_F(WEDocTest, ASoundThatDoesNotArriveLeavesADocumentThatIsNotReady)
+{
+    CWEDoc document;
+    Fill(document, 1000);
+    CWEDoc source;
+    Fill(source, 1000);
+    FaultyFileCalls calls;
+    calls.FailFrom(1, ENOSPC);
+    EXPECT_FALSE(document.OpenFromStore(source.Store()));
+    EXPECT_FALSE(document.IsReady());
+    EXPECT_EQ(document.FrameCount(), 0U);
+    calls.StopFailing();
+    EXPECT_FALSE(document.SetFormat(MakePcm16Format(44100, 9), nullptr));
+    EXPECT_FALSE(document.IsReady());
+}
+
 class OneClip : public ClipRegistry {
 public:
     OneClip() { SetClipRegistry(this); }
@@ -195,15 +235,11 @@ TEST(SoundBlock, ItsFileLivesAndDiesWithIt)
     EXPECT_FALSE(std::filesystem::exists(file));
 }
 
-class FullDisk : public FileCalls {
-    int FAllocate(int, off_t) override { return ENOSPC; }
-};
-
 TEST(SoundBlock, AFullDiskIsAFailedCreateThatLeavesNoFile)
 {
     TestFolder folder;
-    FullDisk disk;
-    const ScopedFileCalls scoped(disk);
+    FaultyFileCalls disk({}, FaultyFileCalls::Allocations);
+    disk.FailFrom(1, ENOSPC);
     CSoundBlock block;
     EXPECT_FALSE(block.Create(1000, MakePcm16Format(44100, 2), nullptr, ChannelAll));
     EXPECT_EQ(block.Data, nullptr);

@@ -139,6 +139,22 @@ TEST_F(EkbatchTest, BadUsageHasAStatusOfItsOwn)
     EXPECT_EQ(Run("-e 'new 8000 1' -e 'save x.wav subtype=nonsense'").Status, 1);
 }
 
+TEST_F(EkbatchTest, NamesThatNameNothingAreFailuresAndOddOnesStayOnOneLine)
+{
+    EXPECT_EQ(Run("-e 'open \"\"'").Status, 1);
+    EXPECT_EQ(Run("-e 'new 8000 1' -e 'save \"\"'").Status, 1);
+    MakeWave("two\nlines.wav", 10);
+    const RunResult odd = Run("-e 'open \"two\nlines.wav\"' -e info");
+    EXPECT_EQ(odd.Status, 0) << odd.Errors;
+    EXPECT_NE(odd.Output.find("two\\x0Alines.wav\n"), std::string::npos) << odd.Output;
+}
+
+TEST_F(EkbatchTest, InfoIsThatOfTheFileThatWasSaved)
+{
+    const RunResult run = Run("-e 'new 8000 1' -e 'save a.wav subtype=pcm_24' -e info");
+    EXPECT_NE(run.Output.find("bits: 24\n"), std::string::npos) << run.Output;
+}
+
 TEST_F(EkbatchTest, SettingsOfOneRunDoNotReachTheNext)
 {
     MakeWave("ramp.wav", 100);

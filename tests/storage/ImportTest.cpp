@@ -74,6 +74,7 @@ TEST_F(ImportTest, AWantedFormatConvertsAndTheSourcesOwnDoesNot)
     EXPECT_EQ(calls.CallCount(), 2 * opens);
 
     ASSERT_TRUE(m_store.OpenFileAs(m_path, MakePcm16Format(22050, 1)));
+    EXPECT_EQ(calls.CallCount(), 3 * opens + 1);
     EXPECT_EQ(m_store.SourceFormat(), own);
     EXPECT_EQ(m_store.BlockAlign(), 2U);
     EXPECT_NEAR(static_cast<double>(m_store.FrameCount()), 5000, 2);

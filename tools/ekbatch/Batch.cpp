@@ -2,6 +2,7 @@
 #include "Batch.h"
 
 #include "framework/DocTemplate.h"
+#include "platform/Text.h"
 
 #include <charconv>
 #include <map>
@@ -30,11 +31,25 @@ bool ParseSettings(const std::vector<std::string>& words, size_t first, std::map
     return true;
 }
 
-std::string FormatName(const std::filesystem::path& path)
+/// Empty when the name is, or when there is no current folder to start from.
+std::filesystem::path AbsolutePath(const std::string& name)
 {
-    StreamInfo info;
-    StreamProperties properties;
-    return !path.empty() && EkGetStreamInfo(path, info, properties) ? info.FormatName : "none";
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(name, error);
+    return error ? std::filesystem::path() : path;
+}
+
+/// One line, whatever the name holds: what is not printable stands as \xNN, a backslash as two.
+std::string OnOneLine(const std::string& text)
+{
+    std::string line;
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
+            line += Format("\\x%02X", c);
+        else
+            line += c == '\\' ? "\\\\" : std::string(1, c);
+    }
+    return line;
 }
 
 } // namespace
@@ -73,7 +88,15 @@ Batch::Outcome Batch::Run(const ScriptCommand& command, std::string& error)
         error = std::string("usage: ") + verb->Usage;
         return Outcome::BadUsage;
     }
-    return (this->*verb->Run)(command.Words, error);
+    const Outcome outcome = (this->*verb->Run)(command.Words, error);
+    PassMessagesOn();
+    return outcome;
+}
+
+void Batch::PassMessagesOn()
+{
+    if (const std::string messages = m_prompts.TakeMessages(); !messages.empty())
+        m_messages << messages << "\n";
 }
 
 Batch::Outcome Batch::Fail(std::string& error, const std::string& fallback)
@@ -93,7 +116,8 @@ CWEDoc* Batch::Current(std::string& error)
 
 Batch::Outcome Batch::Open(const Words& words, std::string& error)
 {
-    auto* document = dynamic_cast<CWEDoc*>(m_app.OpenDocumentByName(std::filesystem::absolute(words[1])));
+    const std::filesystem::path path = AbsolutePath(words[1]);
+    auto* document = path.empty() ? nullptr : dynamic_cast<CWEDoc*>(m_app.OpenDocumentByName(path));
     if (!document)
         return Fail(error, "File \"" + words[1] + "\" could not be opened");
     m_documents.push_back(document);
@@ -120,12 +144,15 @@ Batch::Outcome Batch::Info(const Words&, std::string& error)
     CWEDoc* document = Current(error);
     if (!document)
         return Outcome::Failed;
+    StreamInfo info;
+    StreamProperties properties;
+    const bool hasFile = !document->Path().empty() && EkGetStreamInfo(document->Path(), info, properties);
     const WAVEFORMATEXTENSIBLE& source = document->Store().SourceFormat();
-    m_output << "path: " << document->Path().string() << "\n"
-             << "format: " << FormatName(document->Path()) << "\n"
+    m_output << "path: " << OnOneLine(document->Path().string()) << "\n"
+             << "format: " << (hasFile ? info.FormatName : "none") << "\n"
              << "rate: " << source.nSamplesPerSec << "\n"
              << "channels: " << source.nChannels << "\n"
-             << "bits: " << source.wBitsPerSample << "\n"
+             << "bits: " << (hasFile ? info.BitsPerSample : source.wBitsPerSample) << "\n"
              << "frames: " << document->FrameCount() << "\n"
              << "duration: " << document->FormatPosition(document->FrameCount()) << "\n"
              << "modified: " << (document->IsModified() ? "yes" : "no") << "\n"
@@ -145,7 +172,10 @@ Batch::Outcome Batch::Save(const Words& words, std::string& error)
         error = "usage: save [PATH [key=value ...]]";
         return Outcome::BadUsage;
     }
-    m_prompts.PrepareSave(std::filesystem::absolute(words[1]), std::move(settings));
+    const std::filesystem::path target = AbsolutePath(words[1]);
+    if (target.empty())
+        return Fail(error, "there is no file \"" + words[1] + "\" to save to");
+    m_prompts.PrepareSave(target, std::move(settings));
     return document->SaveAs() ? Outcome::Done : Fail(error, "the sound was not saved");
 }
 

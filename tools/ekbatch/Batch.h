@@ -14,7 +14,10 @@ namespace ek {
 /// Runs commands on the documents of the editor.
 class Batch {
 public:
-    Batch(ConsolePrompts& prompts, std::ostream& output) : m_prompts(prompts), m_output(output) {}
+    Batch(ConsolePrompts& prompts, std::ostream& output, std::ostream& messages)
+        : m_prompts(prompts), m_output(output), m_messages(messages)
+    {
+    }
 
     enum class Outcome { Done, Failed, BadUsage };
     /// `error` is what to tell the user when the outcome is not Done.
@@ -29,12 +32,14 @@ private:
     Outcome Close(const Words& words, std::string& error);
     CWEDoc* Current(std::string& error);
     Outcome Fail(std::string& error, const std::string& fallback);
+    void PassMessagesOn();
 
     struct Verb;
     static const Verb* FindVerb(const std::string& name);
 
     ConsolePrompts& m_prompts;
     std::ostream& m_output;
+    std::ostream& m_messages; ///< what a person would have been shown by a command that succeeded
     CEkEditorApp m_app;
     std::vector<CWEDoc*> m_documents; // in opening order; the last one is current
 };

@@ -76,7 +76,9 @@ bool ReadScript(std::istream& input, const std::string& name, std::vector<Script
         if (!words->empty())
             commands.push_back({origin, std::move(*words)});
     }
-    return true;
+    if (input.bad())
+        error = name + ": the script could not be read to its end";
+    return !input.bad();
 }
 
 } // namespace ek

@@ -52,22 +52,20 @@ int RunAll(const std::vector<ek::ScriptCommand>& commands)
     ek::InterruptibleProgress progress;
     ek::SetPrompts(&prompts);
     ek::SetProgressPresenter(&progress);
-    ek::Batch batch(prompts, std::cout);
+    ek::Batch batch(prompts, std::cout, std::cerr);
     for (const ek::ScriptCommand& command : commands) {
+        if (ek::IsInterrupted())
+            return Complain(command.Origin + ": interrupted", ExitFailed);
         std::string error;
         const ek::Batch::Outcome outcome = batch.Run(command, error);
         if (outcome != ek::Batch::Outcome::Done)
             return Complain(command.Origin + ": " + error,
                             outcome == ek::Batch::Outcome::BadUsage ? ExitUsage : ExitFailed);
-        if (ek::IsInterrupted())
-            return Complain(command.Origin + ": interrupted", ExitFailed);
     }
     return ExitDone;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int Run(int argc, char** argv)
 {
     Options options;
     CLI::App app("Edits sound without a screen: runs the commands given with -e, then those of a script.", "ekbatch");
@@ -84,10 +82,22 @@ int main(int argc, char** argv)
     if (options.Commands.empty() && options.Script.empty())
         return Complain("ekbatch: nothing to do; see ekbatch --help", ExitUsage);
 
-    ek::CatchInterruptions();
     ek::RaiseOpenFileLimit();
     ek::KeepProductSettingsInMemory();
     std::vector<ek::ScriptCommand> commands;
     const int collected = Collect(options, commands);
+    // Not earlier: waiting for a script that is typed in, the program may just end.
+    ek::CatchInterruptions();
     return collected == ExitDone ? RunAll(commands) : collected;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& error) {
+        return Complain(std::string("ekbatch: ") + error.what(), ExitFailed);
+    }
 }

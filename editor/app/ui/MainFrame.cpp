@@ -270,15 +270,29 @@ void CMainFrame::RefreshMenu()
         m_services->RefreshMenu(ModuleNameUtf16);
 }
 
-void CMainFrame::ReopenAs(CDocument& document, const std::filesystem::path& path)
+CMDIChildWnd* CMainFrame::FindChild(const CDocument& document) const
 {
     for (CMDIChildWnd* child : Children()) {
-        if (&child->Document() != &document)
-            continue;
-        QMetaObject::invokeMethod(child, &QWidget::close, Qt::QueuedConnection);
-        QMetaObject::invokeMethod(
-            this, [this, path] { OpenFile(path); }, Qt::QueuedConnection);
+        if (&child->Document() == &document)
+            return child;
     }
+    return nullptr;
+}
+
+void CMainFrame::FocusView(CDocument& document)
+{
+    if (const CMDIChildWnd* child = FindChild(document); child && child == ActiveChild())
+        child->widget()->setFocus();
+}
+
+void CMainFrame::ReopenAs(CDocument& document, const std::filesystem::path& path)
+{
+    CMDIChildWnd* child = FindChild(document);
+    if (!child)
+        return;
+    QMetaObject::invokeMethod(child, &QWidget::close, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this, path] { OpenFile(path); }, Qt::QueuedConnection);
 }
 
 /// The host may show the frame's title as its own.

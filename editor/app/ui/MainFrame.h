@@ -62,6 +62,7 @@ public:
     void ShowStatusText(const QString& text) override;
     void AddRecentFile(const std::filesystem::path& path) override;
     void RefreshMenu() override;
+    void FocusView(CDocument& document) override;
     void ReopenAs(CDocument& document, const std::filesystem::path& path) override;
 
     std::span<const CommandEntry> CommandTable() const override;
@@ -79,6 +80,7 @@ private:
     bool IsInWindow(const QObject* receiver) const;
     DocumentFrame* MakeWaveFrame(CDocument& document);
     void DeleteClosedChildren();
+    CMDIChildWnd* FindChild(const CDocument& document) const;
     void UpdateRecentMenu();
     void UpdateTitle();
 
