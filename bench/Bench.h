@@ -34,8 +34,9 @@ public:
     const std::filesystem::path& LongSound(); ///< LongFactor times as long
     std::filesystem::path PathFor(const std::string& name) const { return m_folder / name; }
 
-    /// Median time of `work` in units of the median time of copying Sound(), measured by turns. `prepare` (may be
-    /// empty) runs before each `work` and is not counted.
+    /// Time of `work` in units of the time of copying Sound(), measured by turns; of each the shortest time, which is
+    /// the one that other load and the first use of the machine's memory disturb least. `prepare` (may be empty) runs
+    /// before each `work` and is not counted.
     double RatioToCopy(const std::function<void()>& prepare, const std::function<void()>& work);
 
     /// One line of the table. The value must not be above the bar.
@@ -57,7 +58,6 @@ private:
 };
 
 double Seconds(const std::function<void()>& work);
-double Median(std::vector<double> values);
 double Percentile99(std::vector<double> values);
 
 /// Runs a program to its end; stops the benchmark when it fails. The peak is never told lower than this process's own

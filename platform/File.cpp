@@ -17,6 +17,7 @@ namespace {
 
 // One transfer of the system moves less than 2 GiB.
 constexpr uint64_t MaxTransfer = uint64_t{1} << 30;
+constexpr uint32_t PermissionBits = 0777; // not those that lend the identity of an owner who may be another now
 constexpr size_t CopyBufferBytes = size_t{1} << 20;
 
 template <typename Call>
@@ -51,6 +52,16 @@ IoStatus CloseDescriptor(int descriptor)
     if (CurrentFileCalls().Close(descriptor) == -1 && errno != EINTR)
         return IoStatus(errno);
     return {};
+}
+
+IoStatus CheckRegular(int descriptor)
+{
+    struct stat status {};
+    if (CurrentFileCalls().FStat(descriptor, &status) == -1)
+        return IoStatus(errno);
+    if (S_ISREG(status.st_mode))
+        return {};
+    return IoStatus(S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
 }
 
 /// Copies inside the kernel from the current offsets on, as far as that goes.
@@ -133,7 +144,14 @@ File& File::operator=(File&& other) noexcept
 IoStatus File::Open(const std::filesystem::path& path, Access access)
 {
     (void)Close();
-    return OpenDescriptor(path, access == Access::Read ? O_RDONLY : O_RDWR, 0, m_descriptor);
+    // A pipe without a writer would hold the program up; for a regular file the flag has no meaning.
+    const int flags = (access == Access::Read ? O_RDONLY : O_RDWR) | O_NONBLOCK;
+    IoStatus status = OpenDescriptor(path, flags, 0, m_descriptor);
+    if (status.Ok())
+        status = CheckRegular(m_descriptor);
+    if (!status.Ok())
+        (void)Close();
+    return status;
 }
 
 IoStatus File::CreateNew(const std::filesystem::path& path, uint32_t mode)
@@ -218,6 +236,20 @@ IoStatus File::Size(uint64_t& size) const
     return {};
 }
 
+IoStatus File::Mode(uint32_t& mode) const
+{
+    struct stat status {};
+    if (CurrentFileCalls().FStat(m_descriptor, &status) == -1)
+        return IoStatus(errno);
+    mode = status.st_mode & PermissionBits;
+    return {};
+}
+
+IoStatus File::SetMode(uint32_t mode)
+{
+    return StatusOf(Retried([&] { return CurrentFileCalls().FChMod(m_descriptor, static_cast<mode_t>(mode)); }));
+}
+
 IoStatus File::Sync()
 {
     return StatusOf(Retried([&] { return CurrentFileCalls().FSync(m_descriptor); }));
@@ -255,18 +287,18 @@ IoStatus CopyFileTo(const std::filesystem::path& from, const std::filesystem::pa
     File source;
     if (const IoStatus status = source.Open(from, File::Access::Read); !status.Ok())
         return status;
-    struct stat sourceStatus {};
-    if (CurrentFileCalls().FStat(source.Descriptor(), &sourceStatus) == -1)
-        return IoStatus(errno);
+    uint32_t mode = 0;
+    if (const IoStatus status = source.Mode(mode); !status.Ok())
+        return status;
     std::error_code ignored;
     if (std::filesystem::equivalent(from, to, ignored))
         return IoStatus(EINVAL); // emptying the target would empty the source
     if (const IoStatus status = RemoveFile(to); !status.Ok() && status.Errno() != ENOENT)
         return status;
     File target;
-    if (const IoStatus status = target.CreateNew(to, sourceStatus.st_mode & 0777); !status.Ok())
+    if (const IoStatus status = target.CreateNew(to); !status.Ok())
         return status;
-    IoStatus status = CopyContent(source, target);
+    IoStatus status = FirstError(CopyContent(source, target), target.SetMode(mode));
     status = FirstError(status, target.Close());
     if (!status.Ok())
         (void)RemoveFile(to);

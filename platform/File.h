@@ -34,8 +34,10 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
+    /// Never waits for another program at the far end: what is no regular file is refused, a folder with EISDIR, a
+    /// device or pipe with EINVAL.
     IoStatus Open(const std::filesystem::path& path, Access access);
-    /// Fails with EEXIST when anything of that name is there.
+    /// Fails with EEXIST when anything of that name is there. The process's mask takes bits off the mode.
     IoStatus CreateNew(const std::filesystem::path& path, uint32_t mode = 0600);
     IoStatus Close();
     bool IsOpen() const { return m_descriptor >= 0; }
@@ -50,6 +52,8 @@ public:
     /// Reserves disk space for [0, size) and makes the file at least that long; the new bytes read as zeros.
     IoStatus Allocate(uint64_t size);
     IoStatus Size(uint64_t& size) const;
+    IoStatus Mode(uint32_t& mode) const; ///< the permissions: read, write and execute
+    IoStatus SetMode(uint32_t mode);     ///< exactly these
     IoStatus Sync();
     /// Starts writing the range to disk without waiting; a hint, with no outcome.
     void StartWriteback(uint64_t position, uint64_t length);

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -53,6 +54,16 @@ int FileCalls::FAllocate(int descriptor, off_t size)
 int FileCalls::FSync(int descriptor)
 {
     return ::fsync(descriptor);
+}
+
+int FileCalls::FChMod(int descriptor, mode_t mode)
+{
+    return ::fchmod(descriptor, mode);
+}
+
+int FileCalls::Lock(int descriptor)
+{
+    return ::flock(descriptor, LOCK_EX);
 }
 
 int FileCalls::StartWriteback(int descriptor, off_t position, off_t length)

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/WholeFile.h"
+#include "platform/SaveTarget.h"
 #include "platform/TempFile.h"
 
 #include <cerrno>
-#include <system_error>
+#include <utility>
 
 namespace ek {
 
@@ -11,20 +12,17 @@ namespace {
 
 constexpr uint64_t MaxBytes = uint64_t{256} << 20;
 
-std::filesystem::path FollowLinks(const std::filesystem::path& path)
-{
-    std::error_code error;
-    const std::filesystem::path target = std::filesystem::canonical(path, error);
-    return error ? path : target;
-}
+constexpr uint32_t PrivateMode = 0600;
 
-uint32_t ModeFor(const std::filesystem::path& path)
+/// The mode that the target has, or is to have when it is a new file.
+IoStatus ModeFor(const std::filesystem::path& target, uint32_t& mode)
 {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (!std::filesystem::exists(status))
-        return 0600;
-    return static_cast<uint32_t>(status.permissions() & std::filesystem::perms::all);
+    mode = PrivateMode;
+    File old;
+    const IoStatus opened = old.Open(target, File::Access::Read);
+    if (!opened.Ok())
+        return opened.Errno() == ENOENT ? IoStatus() : opened;
+    return old.Mode(mode);
 }
 
 IoStatus WriteAndClose(File& file, std::string_view content)

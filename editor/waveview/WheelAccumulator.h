@@ -14,6 +14,8 @@ public:
     /// The steps that are complete with this movement, `stepsPerNotch` for each notch; the sign is the delta's.
     int64_t Take(int delta, int64_t stepsPerNotch = 1)
     {
+        if (delta == 0) // a touchpad reports its end like this
+            return 0;
         if ((delta < 0) != (m_rest < 0))
             m_rest = 0;
         m_rest += delta * stepsPerNotch;

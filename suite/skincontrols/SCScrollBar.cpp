@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOptionSlider>
+#include <QWheelEvent>
 
 namespace ek {
 
@@ -41,6 +42,11 @@ void CSCScrollBar::paintEvent(QPaintEvent*)
     for (const auto part : {QStyle::SC_ScrollBarSubLine, QStyle::SC_ScrollBarAddLine})
         DrawArrow(painter, style()->subControlRect(QStyle::CC_ScrollBar, &option, part, this),
                   part == QStyle::SC_ScrollBarAddLine);
+}
+
+void CSCScrollBar::wheelEvent(QWheelEvent* event)
+{
+    event->ignore();
 }
 
 void CSCScrollBar::DrawThumb(QPainter& painter, const QStyleOptionSlider& option) const

@@ -5,13 +5,15 @@
 
 namespace ek {
 
-/// A scroll bar in the skin's colours: flat, and without a thumb where there is nothing to scroll.
+/// A scroll bar in the skin's colours: flat, and without a thumb where there is nothing to scroll. The wheel over it
+/// belongs to the widget that it is part of.
 class CSCScrollBar final : public QScrollBar {
 public:
     CSCScrollBar(Qt::Orientation orientation, QWidget* parent);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     void DrawThumb(QPainter& painter, const QStyleOptionSlider& option) const;

@@ -149,6 +149,24 @@ TEST_F(EkbatchTest, NamesThatNameNothingAreFailuresAndOddOnesStayOnOneLine)
     EXPECT_NE(odd.Output.find("two\\x0Alines.wav\n"), std::string::npos) << odd.Output;
 }
 
+TEST_F(EkbatchTest, ANameWithoutExtensionBecomesAWaveAndAnUnknownOneIsRefused)
+{
+    EXPECT_EQ(Run("-e 'new 8000 1' -e 'save out'").Status, 0);
+    EXPECT_TRUE(fs::exists(m_folder / "out.wav"));
+    const RunResult run = Run("-e 'new 8000 1' -e 'save out.xyz'");
+    EXPECT_EQ(run.Status, 1);
+    EXPECT_NE(run.Errors.find("xyz"), std::string::npos) << run.Errors;
+    EXPECT_FALSE(fs::exists(m_folder / "out.xyz"));
+}
+
+TEST_F(EkbatchTest, SavingAgainRepeatsTheChosenSettings)
+{
+    MakeWave("ramp.wav", 100);
+    const RunResult run = Run("-e 'open ramp.wav' -e 'save a.wav channels=Stereo subtype=pcm_24' -e save -e close "
+                              "-e 'open a.wav' -e info");
+    EXPECT_NE(run.Output.find("channels: 2\nbits: 24\n"), std::string::npos) << run.Output << run.Errors;
+}
+
 TEST_F(EkbatchTest, InfoIsThatOfTheFileThatWasSaved)
 {
     const RunResult run = Run("-e 'new 8000 1' -e 'save a.wav subtype=pcm_24' -e info");

@@ -38,12 +38,15 @@ std::vector<std::filesystem::path> ConsolePrompts::ChooseFilesToOpen(std::string
     return {};
 }
 
-std::optional<std::filesystem::path> ConsolePrompts::ChooseFileToSave(std::string_view, std::string_view,
-                                                                      const std::filesystem::path&)
+std::optional<std::filesystem::path>
+ConsolePrompts::ChooseFileToSave(std::string_view, std::string_view defaultExtension, const std::filesystem::path&)
 {
-    if (!m_target)
+    auto target = std::exchange(m_target, std::nullopt);
+    if (!target)
         AddMessage("the sound has no file yet: name one");
-    return std::exchange(m_target, std::nullopt);
+    else if (!target->has_extension())
+        target->replace_extension(defaultExtension);
+    return target;
 }
 
 bool ConsolePrompts::ChooseSoundFormat(std::string_view extension)
@@ -53,7 +56,7 @@ bool ConsolePrompts::ChooseSoundFormat(std::string_view extension)
     if (!settings)
         return false;
     std::string error;
-    if (settings->empty() || EkSetCoderOptions(extension, *settings, error))
+    if (EkSetCoderOptions(extension, *settings, error))
         return true;
     AddMessage(error);
     return false;

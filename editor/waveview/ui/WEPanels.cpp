@@ -65,11 +65,6 @@ bool CAmplitudePanel::DragTo(int y, int margin)
     return true;
 }
 
-void CAmplitudePanel::Reclamp(int margin)
-{
-    m_verticalOffset = Clamped(m_verticalOffset, margin);
-}
-
 void CPositionPanel::DrawRect(QPainter& painter, const Rect& rect) const
 {
     DrawOverview(painter, {rect, Inset}, Colors(), m_geometry);

@@ -33,10 +33,12 @@ public:
     void DrawRect(QPainter& painter, const Rect& rect) const override;
 
     int VerticalOffset() const { return m_verticalOffset; } ///< rows; 0: the zero line is in the middle of each lane
+    /// The offset as the lanes can show it now; the stored one may be from when they were higher.
+    int ShownOffset(int margin) const { return Clamped(m_verticalOffset, margin); }
     void Center() { m_verticalOffset = 0; }
-    void BeginDrag(int y) { m_dragOriginY = y - m_verticalOffset; }
+    void BeginDrag(int y, int margin) { m_dragOriginY = y - ShownOffset(margin); }
     bool DragTo(int y, int margin); ///< true when the offset changed
-    void Reclamp(int margin);       ///< after the lanes or the amplitude scale changed
+    void Reclamp(int margin) { m_verticalOffset = ShownOffset(margin); }
 
 private:
     int Clamped(int wanted, int margin) const;

@@ -105,6 +105,14 @@ void CWEView::PlaceControls()
     m_overviewButton->setGeometry(m_device.Place(m_layout.ToggleButton));
 }
 
+bool CWEView::event(QEvent* event)
+{
+    // The release of the button goes elsewhere then.
+    if (event->type() == QEvent::Hide || event->type() == QEvent::WindowDeactivate)
+        m_dragMode = DragMode::None;
+    return CView::event(event);
+}
+
 void CWEView::resizeEvent(QResizeEvent*)
 {
     LayOut();
@@ -160,14 +168,13 @@ void CWEView::TakeChange(bool isNewSound)
 {
     CWEDoc& document = WaveDocument();
     document.Columns().Invalidate();
-    m_geometry.Length = document.IsReady() ? document.FrameCount() : 0;
     Site().SetActiveFormat(document.Format());
     if (isNewSound) {
-        m_geometry.SelectionStart = m_geometry.SelectionEnd = 0;
-        m_geometry.SelectionChannel = ChannelAll;
-        m_geometry.CursorFrame = WaveGeometry::NoFrame;
+        m_geometry = {};
         m_amplitude.Center();
+        m_dragMode = DragMode::None;
     }
+    m_geometry.Length = document.IsReady() ? document.FrameCount() : 0;
     LayOut();
     if (isNewSound)
         ShowWholeSound();
@@ -223,18 +230,16 @@ void CWEView::ApplyLanes(const LaneRange& range)
     Repaint(WaveMask | AmplitudeMask | PositionMask);
 }
 
-void CWEView::ApplyAmplitudeScale(uint32_t scale)
+void CWEView::ApplyAmplitude()
 {
-    WaveDocument().AmplitudeScale = scale;
     UpdateMarks();
     Repaint(WaveMask | AmplitudeMask);
 }
 
 void CWEView::UpdateMarks()
 {
-    m_amplitude.Reclamp(Margin());
     m_wave.Margin = Margin();
-    m_wave.VerticalOffset = m_amplitude.VerticalOffset();
+    m_wave.VerticalOffset = m_amplitude.ShownOffset(Margin());
     m_wave.SelectionChannel = m_geometry.SelectionChannel;
     m_wave.CursorOffset = -1;
     if (m_geometry.CursorFrame != WaveGeometry::NoFrame && m_geometry.CursorFrame >= m_geometry.FirstVisibleFrame)

@@ -37,6 +37,7 @@ public:
     void Draw(QPainter& painter, const Rect& exposed);
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
@@ -75,13 +76,15 @@ private:
     void ApplyZoom();
     void ApplyScroll();
     void ApplyLanes(const LaneRange& range);
-    void ApplyAmplitudeScale(uint32_t scale);
+    void ApplyAmplitude();
     void UpdateMarks();
     void Repaint(uint32_t mask);
-    bool HasSound() const { return m_geometry.Length > 0; }
+    bool HasSound() const { return WaveDocument().IsReady() && m_geometry.Length > 0; }
+    bool HasChannels() const { return WaveDocument().IsReady() && WaveDocument().ChannelCount() > 0; }
     LaneRange VisibleLanes() const;
 
     // Mouse.
+    void BeginDrag(QPoint point);
     void PressInOverview(QPoint point);
     void ScrollByWheel(int delta);
     void TurnWheel(QPoint point, int delta);
@@ -96,6 +99,7 @@ private:
     void OnFitSelection();
     void OnUpdateFitSelection(CommandUi& ui);
     void OnZoomRatio(uint32_t id);
+    void OnUpdateZoomRatio(CommandUi& ui);
     void OnZoomInVertical();
     void OnUpdateZoomInVertical(CommandUi& ui);
     void OnZoomOutVertical();
@@ -106,6 +110,7 @@ private:
     void OnUpdateScaleOut(CommandUi& ui);
     void OnScaleFull();
     void OnCenterView();
+    void OnUpdateAmplitude(CommandUi& ui);
     void OnOverview();
     void OnUpdateOverview(CommandUi& ui);
 

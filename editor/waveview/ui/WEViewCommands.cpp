@@ -13,13 +13,13 @@ std::span<const CommandEntry> CWEView::CommandTable() const
         Command<CWEView, &CWEView::OnZoomOut, &CWEView::OnUpdateZoomOut>(ID_ZOOM_OUT),
         Command<CWEView, &CWEView::OnZoomFull, &CWEView::OnUpdateZoomOut>(ID_ZOOM_FULL),
         Command<CWEView, &CWEView::OnFitSelection, &CWEView::OnUpdateFitSelection>(ID_FIT_SELECTION),
-        CommandRange<CWEView, &CWEView::OnZoomRatio>(ID_ZOOM_RATIO_FIRST, ID_ZOOM_RATIO_LAST),
+        CommandRange<CWEView, &CWEView::OnZoomRatio, &CWEView::OnUpdateZoomRatio>(ID_ZOOM_RATIO_FIRST, ID_ZOOM_RATIO_LAST),
         Command<CWEView, &CWEView::OnZoomInVertical, &CWEView::OnUpdateZoomInVertical>(ID_ZOOM_IN_VERTICAL),
         Command<CWEView, &CWEView::OnZoomOutVertical, &CWEView::OnUpdateZoomOutVertical>(ID_ZOOM_OUT_VERTICAL),
         Command<CWEView, &CWEView::OnScaleIn, &CWEView::OnUpdateScaleIn>(ID_SCALE_IN),
         Command<CWEView, &CWEView::OnScaleOut, &CWEView::OnUpdateScaleOut>(ID_SCALE_OUT),
-        Command<CWEView, &CWEView::OnCenterView>(ID_CENTER_VIEW),
-        Command<CWEView, &CWEView::OnScaleFull>(ID_SCALE_FULL),
+        Command<CWEView, &CWEView::OnCenterView, &CWEView::OnUpdateAmplitude>(ID_CENTER_VIEW),
+        Command<CWEView, &CWEView::OnScaleFull, &CWEView::OnUpdateAmplitude>(ID_SCALE_FULL),
         Command<CWEView, &CWEView::OnOverview, &CWEView::OnUpdateOverview>(ID_OVERVIEW),
     };
     return Table;
@@ -33,7 +33,7 @@ void CWEView::OnZoomIn()
 
 void CWEView::OnUpdateZoomIn(CommandUi& ui)
 {
-    ui.Enabled = m_geometry.CanZoomIn();
+    ui.Enabled = HasSound() && m_geometry.CanZoomIn();
 }
 
 void CWEView::OnZoomOut()
@@ -44,7 +44,7 @@ void CWEView::OnZoomOut()
 
 void CWEView::OnUpdateZoomOut(CommandUi& ui)
 {
-    ui.Enabled = m_geometry.CanZoomOut();
+    ui.Enabled = HasSound() && m_geometry.CanZoomOut();
 }
 
 void CWEView::OnZoomFull()
@@ -60,13 +60,18 @@ void CWEView::OnFitSelection()
 
 void CWEView::OnUpdateFitSelection(CommandUi& ui)
 {
-    ui.Enabled = m_geometry.HasSelection();
+    ui.Enabled = HasSound() && m_geometry.HasSelection();
 }
 
 void CWEView::OnZoomRatio(uint32_t id)
 {
     m_geometry.SetZoomRatio(uint32_t{1} << (id - ID_ZOOM_RATIO_FIRST));
     ApplyZoom();
+}
+
+void CWEView::OnUpdateZoomRatio(CommandUi& ui)
+{
+    ui.Enabled = HasSound();
 }
 
 void CWEView::OnZoomInVertical()
@@ -76,7 +81,7 @@ void CWEView::OnZoomInVertical()
 
 void CWEView::OnUpdateZoomInVertical(CommandUi& ui)
 {
-    ui.Enabled = WaveDocument().VisibleChannelCount > 1;
+    ui.Enabled = HasChannels() && WaveDocument().VisibleChannelCount > 1;
 }
 
 void CWEView::OnZoomOutVertical()
@@ -86,39 +91,47 @@ void CWEView::OnZoomOutVertical()
 
 void CWEView::OnUpdateZoomOutVertical(CommandUi& ui)
 {
-    ui.Enabled = WaveDocument().VisibleChannelCount < WaveDocument().ChannelCount();
+    ui.Enabled = HasChannels() && WaveDocument().VisibleChannelCount < WaveDocument().ChannelCount();
 }
 
 void CWEView::OnScaleIn()
 {
-    ApplyAmplitudeScale(ScaledIn(WaveDocument().AmplitudeScale));
+    WaveDocument().AmplitudeScale = ScaledIn(WaveDocument().AmplitudeScale);
+    ApplyAmplitude();
 }
 
 void CWEView::OnUpdateScaleIn(CommandUi& ui)
 {
-    ui.Enabled = WaveDocument().AmplitudeScale > SmallestAmplitudeScale;
+    ui.Enabled = HasChannels() && WaveDocument().AmplitudeScale > SmallestAmplitudeScale;
 }
 
 void CWEView::OnScaleOut()
 {
-    ApplyAmplitudeScale(ScaledOut(WaveDocument().AmplitudeScale));
+    WaveDocument().AmplitudeScale = ScaledOut(WaveDocument().AmplitudeScale);
+    m_amplitude.Reclamp(Margin());
+    ApplyAmplitude();
 }
 
 void CWEView::OnUpdateScaleOut(CommandUi& ui)
 {
-    ui.Enabled = WaveDocument().AmplitudeScale < LargestAmplitudeScale;
+    ui.Enabled = HasChannels() && WaveDocument().AmplitudeScale < LargestAmplitudeScale;
 }
 
 void CWEView::OnScaleFull()
 {
-    m_amplitude.Center();
-    ApplyAmplitudeScale(LargestAmplitudeScale);
+    WaveDocument().AmplitudeScale = LargestAmplitudeScale;
+    OnCenterView();
 }
 
 void CWEView::OnCenterView()
 {
     m_amplitude.Center();
-    ApplyAmplitudeScale(WaveDocument().AmplitudeScale);
+    ApplyAmplitude();
+}
+
+void CWEView::OnUpdateAmplitude(CommandUi& ui)
+{
+    ui.Enabled = HasChannels();
 }
 
 void CWEView::OnOverview()
@@ -127,6 +140,8 @@ void CWEView::OnOverview()
     m_overviewButton->setChecked(m_position.Expanded);
     m_overviewButton->setArrowType(m_position.Expanded ? Qt::UpArrow : Qt::DownArrow);
     LayOut();
+    if (m_position.Expanded)
+        m_amplitude.Reclamp(Margin());
     Repaint(AllPanels);
 }
 

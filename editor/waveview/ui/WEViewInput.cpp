@@ -61,14 +61,20 @@ void CWEView::TurnWheel(QPoint point, int delta)
 
 void CWEView::mousePressEvent(QMouseEvent* event)
 {
-    const QPoint point = m_device.Point(event->position());
-    if (event->button() != Qt::LeftButton || !HasSound() || m_dragMode != DragMode::None)
-        return;
+    const bool left = event->button() == Qt::LeftButton;
+    if (left || !(event->buttons() & Qt::LeftButton))
+        m_dragMode = DragMode::None;
+    if (left && HasSound())
+        BeginDrag(m_device.Point(event->position()));
+}
+
+void CWEView::BeginDrag(QPoint point)
+{
     if (m_layout.Overview.Contains(point.x(), point.y())) {
         PressInOverview(point);
     } else if (m_layout.Amplitude.Contains(point.x(), point.y())) {
         m_dragMode = DragMode::AmplitudeOffset;
-        m_amplitude.BeginDrag(point.y());
+        m_amplitude.BeginDrag(point.y(), Margin());
     }
 }
 
@@ -92,10 +98,11 @@ void CWEView::PressInOverview(QPoint point)
 
 void CWEView::mouseMoveEvent(QMouseEvent* event)
 {
+    if (!(event->buttons() & Qt::LeftButton))
+        m_dragMode = DragMode::None; // a menu or a modal window took the release
     const QPoint point = m_device.Point(event->position());
     if (m_dragMode == DragMode::AmplitudeOffset && m_amplitude.DragTo(point.y(), Margin())) {
-        UpdateMarks();
-        Repaint(WaveMask | AmplitudeMask);
+        ApplyAmplitude();
     } else if (m_dragMode == DragMode::OverviewBox) {
         m_position.Strip().DragBox(m_geometry, m_dragStartFrame, m_dragStartX, point.x());
         ApplyScroll();
@@ -111,7 +118,7 @@ void CWEView::mouseReleaseEvent(QMouseEvent* event)
 void CWEView::contextMenuEvent(QContextMenuEvent* event)
 {
     const QPoint point = m_device.Point(event->pos());
-    if (m_layout.Amplitude.Contains(point.x(), point.y()))
+    if (m_dragMode == DragMode::None && m_layout.Amplitude.Contains(point.x(), point.y()))
         PopUpCommandMenu(*this, *this, MENU_AMPLITUDE, event->globalPos());
 }
 
