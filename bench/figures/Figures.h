@@ -8,6 +8,7 @@ namespace ek::bench {
 // One function for each figure, or for figures that share a costly preparation; each in its own file.
 
 void MeasureBatch(Bench& bench); ///< memory of ekbatch, and whether cost per hour stays flat
+void MeasureWindow(Bench& bench);
 void MeasureOpen(Bench& bench);
 void MeasureSave(Bench& bench);
 void MeasurePeaks(Bench& bench);

@@ -99,6 +99,32 @@ TEST_F(EkbatchTest, ASavedSoundIsTheOpenedOneByteForByte)
     EXPECT_TRUE(TempFolderIsEmpty());
 }
 
+/// The bytes of the data chunk.
+std::string SoundOf(const std::string& wave)
+{
+    const size_t chunk = wave.find("data", 36);
+    if (chunk == std::string::npos || chunk + 8 > wave.size())
+        return {};
+    const auto byte = [&](size_t i) { return static_cast<uint32_t>(static_cast<unsigned char>(wave[chunk + 4 + i])); };
+    return wave.substr(chunk + 8, byte(0) | byte(1) << 8 | byte(2) << 16 | byte(3) << 24);
+}
+
+TEST_F(EkbatchTest, RealRecordingsSurviveFlacAndBack)
+{
+    const fs::path recordings = "/usr/share/sounds/alsa";
+    if (!fs::is_directory(recordings))
+        GTEST_SKIP() << "the recordings of alsa-utils are not installed";
+    for (const auto& entry : fs::directory_iterator(recordings)) {
+        const std::string name = entry.path().string();
+        const RunResult run = Run("-e 'open " + name + "' -e 'save x.flac' -e close -e 'open x.flac' -e 'save x.wav'");
+        ASSERT_EQ(run.Status, 0) << name << run.Errors;
+        const std::string sound = SoundOf(ReadText(entry.path()));
+        EXPECT_GT(sound.size(), 10000U);
+        EXPECT_EQ(SoundOf(ReadText(m_folder / "x.wav")), sound) << name;
+    }
+    EXPECT_TRUE(TempFolderIsEmpty());
+}
+
 TEST_F(EkbatchTest, AScriptIsReadWithCommentsAndQuotedNames)
 {
     const RunResult run = Run("-", "# a new sound\n\n  new 48000 6   # surround\nsave \"5.1 \\\"mix\\\".wav\" "
