@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Bench.h"
 
+#include "platform/Paths.h"
 #include "platform/TempFile.h"
 
 #include <algorithm>
@@ -8,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -39,6 +41,19 @@ void Warm(const fs::path& path)
     close(descriptor);
 }
 
+int Spawn(const std::vector<std::string>& arguments, rusage& usage)
+{
+    std::vector<char*> pointers;
+    for (const std::string& argument : arguments)
+        pointers.push_back(const_cast<char*>(argument.c_str()));
+    pointers.push_back(nullptr);
+    pid_t process = 0;
+    int status = -1;
+    if (posix_spawnp(&process, pointers[0], nullptr, nullptr, pointers.data(), environ) == 0)
+        wait4(process, &status, 0, &usage);
+    return status;
+}
+
 } // namespace
 
 void Fail(const std::string& text)
@@ -62,20 +77,31 @@ double Percentile99(std::vector<double> values)
 
 ProcessCost RunProcess(const std::vector<std::string>& arguments)
 {
-    std::vector<char*> pointers;
-    for (const std::string& argument : arguments)
-        pointers.push_back(const_cast<char*>(argument.c_str()));
-    pointers.push_back(nullptr);
-    pid_t process = 0;
-    int status = -1;
-    rusage usage{};
-    const double seconds = Seconds([&] {
-        if (posix_spawnp(&process, pointers[0], nullptr, nullptr, pointers.data(), environ) == 0)
-            wait4(process, &status, 0, &usage);
-    });
-    if (status != 0)
+    const fs::path costFile = TempFolder() / "cost";
+    std::vector<std::string> measured = {"/proc/self/exe", RunMeasuredOption, costFile.string()};
+    measured.insert(measured.end(), arguments.begin(), arguments.end());
+    rusage unused{};
+    if (Spawn(measured, unused) != 0)
         Fail("failed: " + arguments[0]);
-    return {seconds, static_cast<double>(usage.ru_maxrss) / 1024};
+    ProcessCost cost;
+    std::ifstream(costFile) >> cost.Seconds >> cost.PeakMegabytes;
+    return cost;
+}
+
+int RunMeasured(const std::vector<std::string>& costFileAndArguments)
+{
+    const std::vector<std::string> arguments(costFileAndArguments.begin() + 1, costFileAndArguments.end());
+    rusage usage{};
+    int status = 0;
+    const double seconds = Seconds([&] { status = Spawn(arguments, usage); });
+    std::ofstream(costFileAndArguments[0]) << seconds << ' ' << static_cast<double>(usage.ru_maxrss) / 1024;
+    return status == 0 ? 0 : 1;
+}
+
+std::vector<std::string> OpenAndSaveCommand(const fs::path& sound, const fs::path& target)
+{
+    return {(ExecutableFolder() / "ekbatch").string(), "-e", "open \"" + sound.string() + "\"", "-e",
+            "save \"" + target.string() + "\""};
 }
 
 Bench::Bench(const Options& options) : m_hours(options.Hours), m_folder(MakeFolder(options.Folder))

@@ -60,9 +60,14 @@ private:
 double Seconds(const std::function<void()>& work);
 double Percentile99(std::vector<double> values);
 
-/// Runs a program to its end; stops the benchmark when it fails. The peak is never told lower than this process's own
-/// so far.
+/// Runs a program to its end; stops the benchmark when it fails.
 ProcessCost RunProcess(const std::vector<std::string>& arguments);
+/// The other half of RunProcess: this program, started anew, runs the program and writes what it cost to a file. The
+/// system counts the size of the starting process to the peak of the started one, and this one is small then.
+int RunMeasured(const std::vector<std::string>& costFileAndArguments);
+inline constexpr char RunMeasuredOption[] = "--run-measured";
+/// The batch program, told to open a sound and to save it elsewhere.
+std::vector<std::string> OpenAndSaveCommand(const std::filesystem::path& sound, const std::filesystem::path& target);
 [[noreturn]] void Fail(const std::string& text);
 
 /// A stereo, 44.1 kHz, 16-bit WAV file of noise.

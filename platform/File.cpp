@@ -265,7 +265,7 @@ IoStatus RemoveFile(const std::filesystem::path& path)
     return StatusOf(CurrentFileCalls().Unlink(path.c_str()));
 }
 
-IoStatus RenameOver(const std::filesystem::path& from, const std::filesystem::path& to)
+IoStatus RenameOver(const std::filesystem::path& from, const std::filesystem::path& to, IoStatus* synced)
 {
     // Opened before the rename, so that no failure but that of the sync itself comes after it.
     const std::filesystem::path folder = to.has_parent_path() ? to.parent_path() : std::filesystem::path(".");
@@ -274,12 +274,16 @@ IoStatus RenameOver(const std::filesystem::path& from, const std::filesystem::pa
     // A folder may be writable without being readable; then only the sync is out of reach.
     if (!opened.Ok() && opened.Errno() != EACCES)
         return opened;
-    IoStatus status = StatusOf(CurrentFileCalls().Rename(from.c_str(), to.c_str()));
-    if (!opened.Ok())
-        return status;
-    if (status.Ok())
-        status = SyncFolder(descriptor);
-    return FirstError(status, CloseDescriptor(descriptor));
+    const IoStatus renamed = StatusOf(CurrentFileCalls().Rename(from.c_str(), to.c_str()));
+    IoStatus folderStatus;
+    if (opened.Ok()) {
+        if (renamed.Ok())
+            folderStatus = SyncFolder(descriptor);
+        folderStatus = FirstError(folderStatus, CloseDescriptor(descriptor));
+    }
+    if (synced)
+        *synced = folderStatus;
+    return renamed;
 }
 
 IoStatus CopyFileTo(const std::filesystem::path& from, const std::filesystem::path& to)
@@ -298,7 +302,9 @@ IoStatus CopyFileTo(const std::filesystem::path& from, const std::filesystem::pa
     File target;
     if (const IoStatus status = target.CreateNew(to); !status.Ok())
         return status;
-    IoStatus status = FirstError(CopyContent(source, target), target.SetMode(mode));
+    IoStatus status = CopyContent(source, target);
+    if (status.Ok())
+        status = target.SetMode(mode);
     status = FirstError(status, target.Close());
     if (!status.Ok())
         (void)RemoveFile(to);

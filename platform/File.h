@@ -63,9 +63,9 @@ private:
 };
 
 IoStatus RemoveFile(const std::filesystem::path& path);
-/// Puts `from` in the place of `to` in one step and makes that lasting (the folder is synced). On failure both are as
-/// before; only an error of that sync comes when the new file is in place already.
-IoStatus RenameOver(const std::filesystem::path& from, const std::filesystem::path& to);
+/// Puts `from` in the place of `to` in one step. On failure both are as before. Then the folder is synced, which makes
+/// the step lasting; `synced` (may be null) receives the outcome of that, which changes nothing about the new file.
+IoStatus RenameOver(const std::filesystem::path& from, const std::filesystem::path& to, IoStatus* synced = nullptr);
 /// Takes the place of `to`, with the mode of `from`. After a failure there is nothing at `to`.
 IoStatus CopyFileTo(const std::filesystem::path& from, const std::filesystem::path& to);
 bool IsFile(const std::filesystem::path& path);   ///< exists and is not a folder

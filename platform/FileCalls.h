@@ -21,7 +21,7 @@ public:
     virtual int FAllocate(int descriptor, off_t size); ///< 0 or an error number, as posix_fallocate
     virtual int FSync(int descriptor);
     virtual int FChMod(int descriptor, mode_t mode);
-    virtual int Lock(int descriptor); ///< as flock, exclusive; waits
+    virtual int Lock(int descriptor);                                         ///< as flock, exclusive; waits
     virtual int StartWriteback(int descriptor, off_t position, off_t length); ///< as sync_file_range
     virtual int Rename(const char* from, const char* to);
     virtual int Unlink(const char* path);

@@ -8,14 +8,10 @@
 namespace ek {
 
 FileLock::FileLock(const std::filesystem::path& path)
+    : m_descriptor(CurrentFileCalls().Open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600))
 {
-    constexpr int Flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK;
-    m_descriptor = CurrentFileCalls().Open(path.c_str(), Flags, 0600);
-    int result = m_descriptor;
-    while (result != -1 && (result = CurrentFileCalls().Lock(m_descriptor)) == -1 && errno == EINTR)
-        result = m_descriptor;
-    if (result == -1)
-        m_status = IoStatus(errno);
+    while (m_descriptor != -1 && CurrentFileCalls().Lock(m_descriptor) == -1 && errno == EINTR) {
+    }
 }
 
 FileLock::~FileLock()

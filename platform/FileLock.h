@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/File.h"
-
 #include <filesystem>
 
 namespace ek {
@@ -11,16 +9,14 @@ namespace ek {
 /// when it is missing, is empty and stays: were it removed, two could hold locks on two files of that name.
 class FileLock {
 public:
-    explicit FileLock(const std::filesystem::path& path); ///< waits
+    /// Waits. Locks nothing where the file cannot be made or the file system knows no locks.
+    explicit FileLock(const std::filesystem::path& path);
     ~FileLock();
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
-    IoStatus Status() const { return m_status; } ///< on failure nothing is locked
-
 private:
-    int m_descriptor = -1;
-    IoStatus m_status;
+    int m_descriptor;
 };
 
 } // namespace ek

@@ -4,6 +4,7 @@
 #include "platform/TempFile.h"
 
 #include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace ek {
@@ -12,22 +13,21 @@ namespace {
 
 constexpr uint64_t MaxBytes = uint64_t{256} << 20;
 
-constexpr uint32_t PrivateMode = 0600;
-
 /// The mode that the target has, or is to have when it is a new file.
-IoStatus ModeFor(const std::filesystem::path& target, uint32_t& mode)
+uint32_t ModeFor(const std::filesystem::path& target)
 {
-    mode = PrivateMode;
-    File old;
-    const IoStatus opened = old.Open(target, File::Access::Read);
-    if (!opened.Ok())
-        return opened.Errno() == ENOENT ? IoStatus() : opened;
-    return old.Mode(mode);
+    constexpr uint32_t PrivateMode = 0600;
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(target, error);
+    // Not the bits that lend an owner's identity: the new file's owner may be another.
+    return std::filesystem::exists(status) ? static_cast<uint32_t>(status.permissions()) & 0777 : PrivateMode;
 }
 
-IoStatus WriteAndClose(File& file, std::string_view content)
+IoStatus WriteAndClose(File& file, std::string_view content, uint32_t mode)
 {
     IoStatus status = file.WriteAt(content.data(), content.size(), 0);
+    if (status.Ok())
+        status = file.SetMode(mode);
     if (status.Ok())
         status = file.Sync();
     const IoStatus closed = file.Close();
@@ -60,16 +60,20 @@ IoStatus ReadWholeFile(const std::filesystem::path& path, std::string& content)
 IoStatus SaveWholeFile(const std::filesystem::path& path, std::string_view content)
 {
     const std::filesystem::path target = FollowLinks(path);
+    if (const IoStatus status = MayReplace(target); !status.Ok())
+        return status;
     File file;
     std::filesystem::path temporary;
-    IoStatus status = CreateTempFile("eksave", ".tmp", target.parent_path(), ModeFor(target), file, temporary);
+    IoStatus status = CreateTempFile("eksave", ".tmp", target.parent_path(), 0600, file, temporary);
     if (!status.Ok())
         return status;
-    status = WriteAndClose(file, content);
+    status = WriteAndClose(file, content, ModeFor(target));
+    IoStatus synced;
     if (status.Ok())
-        status = RenameOver(temporary, target);
-    if (!status.Ok())
-        (void)RemoveFile(temporary);
+        status = RenameOver(temporary, target, &synced);
+    if (status.Ok())
+        return synced;
+    (void)RemoveFile(temporary);
     return status;
 }
 

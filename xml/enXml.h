@@ -40,8 +40,8 @@ public:
     void AddAttribute(std::string_view name, std::string_view value);
 
     /// Reads the document element into this node: its name replaces the name, its attributes and children come behind
-    /// those that are here. False when the file is missing, a folder, not well-formed or nested too deep; the node
-    /// then keeps what it held.
+    /// those that are here. False when the file is missing, no regular file, not well-formed or nested too deep; the
+    /// node then keeps what it held.
     bool LoadFromFile(const std::filesystem::path& path);
     /// UTF-16 little-endian with byte-order mark, one tab a level, CR LF line ends; nameless nodes are left out.
     /// Written beside the target, synced and renamed over it; false when any of that fails or the tree is nested too

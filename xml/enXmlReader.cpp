@@ -3,6 +3,7 @@
 #include "platform/WholeFile.h"
 #include "xml/enXml.h"
 
+#include <algorithm>
 #include <memory>
 #include <pugixml.hpp>
 
@@ -29,7 +30,17 @@ pugi::xml_node DocumentElement(const pugi::xml_document& document)
     return element;
 }
 
-/// A new node for `source`, nameless when that is no element; null when its texts are not UTF-8.
+bool HasDuplicates(const std::vector<enXml::Attribute>& attributes)
+{
+    std::vector<std::string_view> names;
+    for (const auto& [name, value] : attributes)
+        names.push_back(name);
+    std::sort(names.begin(), names.end());
+    return std::adjacent_find(names.begin(), names.end()) != names.end();
+}
+
+/// A new node for `source`, nameless when that is no element; null when its texts are not UTF-8 or two attributes have
+/// one name.
 std::unique_ptr<enXml> MakeNode(pugi::xml_node source)
 {
     if (!IsUtf8(source.name()))
@@ -42,7 +53,7 @@ std::unique_ptr<enXml> MakeNode(pugi::xml_node source)
             return nullptr;
         node->AddAttribute(attribute.name(), attribute.value());
     }
-    return node;
+    return HasDuplicates(node->Attributes()) ? nullptr : std::move(node);
 }
 
 /// Copies what is below the document element. A walk without recursion, because a file decides how deep it goes.
@@ -82,7 +93,7 @@ std::unique_ptr<enXml> MakeTree(pugi::xml_node element)
 bool enXml::LoadFromFile(const std::filesystem::path& path)
 {
     std::string content;
-    if (!IsFile(path) || !ReadWholeFile(path, content).Ok())
+    if (!ReadWholeFile(path, content).Ok())
         return false;
     pugi::xml_document document;
     if (!document.load_buffer_inplace(content.data(), content.size(), ParseOptions))

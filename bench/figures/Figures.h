@@ -7,12 +7,13 @@ namespace ek::bench {
 
 // One function for each figure, or for figures that share a costly preparation; each in its own file.
 
-void MeasureBatch(Bench& bench); ///< memory of ekbatch, and whether cost per hour stays flat
+void MeasureMemory(Bench& bench); ///< of ekbatch
 void MeasureWindow(Bench& bench);
 void MeasureOpen(Bench& bench);
 void MeasureSave(Bench& bench);
 void MeasurePeaks(Bench& bench);
 void MeasureTempSpace(Bench& bench);
+void MeasureLongSound(Bench& bench); ///< whether cost per hour stays flat
 void MeasureColumns(Bench& bench);
 
 } // namespace ek::bench

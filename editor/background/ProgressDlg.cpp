@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "background/ProgressDlg.h"
 
-#include <chrono>
-#include <system_error>
+#include "debugmanager/DebugManager.h"
+
+#include <exception>
+#include <optional>
 #include <thread>
 
 namespace ek {
@@ -11,13 +13,41 @@ namespace {
 
 ProgressPresenter* g_presenter = nullptr;
 
-WorkResult RunGuarded(CProgressDlg& progress, const std::function<WorkResult(CProgressDlg&)>& work)
+int g_running = 0; // more than one when work is started while a progress is shown
+
+struct RunningMark {
+    RunningMark() { ++g_running; }
+    ~RunningMark() { --g_running; }
+    RunningMark(const RunningMark&) = delete;
+    RunningMark& operator=(const RunningMark&) = delete;
+};
+
+void LogFailure(const CProgressDlg& progress, const char* reason)
+{
+    enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Work \"%s\" failed: %s", progress.Caption().c_str(),
+                                     reason);
+}
+
+/// What the call returns; nothing, and a line in the log, when it throws.
+template <typename Call>
+std::optional<WorkResult> Guarded(const CProgressDlg& progress, Call call)
 {
     try {
-        return work(progress);
+        return call();
+    } catch (const std::exception& error) {
+        LogFailure(progress, error.what());
     } catch (...) {
-        return WorkResult::Failed;
+        LogFailure(progress, "unknown exception");
     }
+    return std::nullopt;
+}
+
+WorkResult WaitPlainly(CProgressDlg& progress)
+{
+    progress.Begin();
+    const WorkResult result = progress.WaitResult();
+    progress.End();
+    return result;
 }
 
 } // namespace
@@ -35,21 +65,12 @@ WorkResult CProgressDlg::DoModal()
 {
     if (g_presenter)
         return g_presenter->Show(*this);
-    Begin();
-    const WorkResult result = WaitResult();
-    End();
-    return result;
-}
-
-bool CProgressDlg::WaitFinished()
-{
-    return m_finished.WaitFor(std::chrono::seconds(10));
+    return WaitPlainly(*this);
 }
 
 void CProgressDlg::Begin()
 {
     m_cancelled = false;
-    m_finished.Reset();
     m_started.Set();
 }
 
@@ -72,7 +93,7 @@ WorkResult CProgressDlg::WaitResult()
 
 void CProgressDlg::End()
 {
-    m_finished.Set();
+    m_notify = nullptr;
 }
 
 void SetProgressPresenter(ProgressPresenter* presenter)
@@ -86,18 +107,27 @@ WorkResult RunInBackground(const std::string& caption, bool cancellable,
     CProgressDlg progress;
     progress.SetCaption(caption);
     progress.SetCancellable(cancellable);
-    std::thread worker;
-    try {
-        worker = std::thread([&] {
+    const RunningMark mark;
+    std::jthread worker;
+    const auto start = [&] {
+        worker = std::jthread([&progress, &work] {
             progress.WaitStarted();
-            progress.Finish(RunGuarded(progress, work));
+            progress.Finish(Guarded(progress, [&] { return work(progress); }).value_or(WorkResult::Failed));
         });
-    } catch (const std::system_error&) {
+        return WorkResult::Finished;
+    };
+    if (!Guarded(progress, start))
         return WorkResult::Failed;
-    }
-    const WorkResult result = progress.DoModal();
-    worker.join();
-    return result;
+    const std::optional<WorkResult> shown = Guarded(progress, [&] { return progress.DoModal(); });
+    if (shown)
+        return *shown;
+    progress.End(); // what it would notify is gone
+    return WaitPlainly(progress);
+}
+
+bool IsWorkRunning()
+{
+    return g_running != 0;
 }
 
 } // namespace ek

@@ -27,7 +27,6 @@ public:
     void SetCaption(std::string caption) { m_caption = std::move(caption); } ///< empty keeps the usual title
     void SetCancellable(bool cancellable) { m_cancellable = cancellable; }
     WorkResult DoModal(); ///< shows the progress until the worker has finished
-    bool WaitFinished();  ///< false when the dialog has not ended within 10 seconds
 
     // Presenter side, the owner's thread.
     void Begin();                                ///< the dialog is up: clears the flags, lets the worker start
@@ -39,7 +38,7 @@ public:
     bool HasResult() const { return m_ended.IsSet(); } ///< true from before the notification on
     /// Blocks until the worker has left Finish, so a notification never comes after it.
     WorkResult WaitResult();
-    void End(); ///< the dialog is down
+    void End(); ///< the dialog is down: forgets the notification
 
 private:
     std::atomic<uint32_t> m_position = 0;
@@ -49,23 +48,27 @@ private:
     WorkResult m_result = WorkResult::Failed;
     std::function<void()> m_notify;
     ManualResetEvent m_started;
-    ManualResetEvent m_ended;    // the worker has called Finish
-    ManualResetEvent m_left;     // the worker has returned from it
-    ManualResetEvent m_finished; // the dialog has ended
+    ManualResetEvent m_ended; // the worker has called Finish
+    ManualResetEvent m_left;  // the worker has returned from it
 };
 
 /// Shows a progress until its worker has finished: a modal dialog, or a test that cancels.
 class ProgressPresenter {
 public:
     virtual ~ProgressPresenter() = default;
-    /// Calls Begin, then End after Finish, and returns the result.
+    /// Calls Begin, then End after Finish, and returns the result. May throw before Begin only; the work then goes on
+    /// without being shown.
     virtual WorkResult Show(CProgressDlg& progress) = 0;
 };
 void SetProgressPresenter(ProgressPresenter* presenter); ///< null: plain waiting
 
 /// Runs `work` on a thread of its own behind a progress. `work` gets the progress after it was shown, and
-/// returns the result. Returns after the thread has ended.
+/// returns the result. Returns after the thread has ended. Work that throws has failed; the log says why.
 WorkResult RunInBackground(const std::string& caption, bool cancellable,
                            const std::function<WorkResult(CProgressDlg&)>& work);
+
+/// True between the start and the end of RunInBackground. While it is, no window may close: what the work uses would go
+/// with it. The thread of the windows.
+bool IsWorkRunning();
 
 } // namespace ek

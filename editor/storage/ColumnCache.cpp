@@ -45,7 +45,7 @@ struct ColumnCache::Range {
 void ColumnCache::SetChannelCount(uint32_t channels)
 {
     Free();
-    m_channels = channels;
+    m_channels = std::min(channels, MaxChannels);
 }
 
 void ColumnCache::Free()
@@ -73,6 +73,9 @@ bool ColumnCache::MakeCapacity(uint64_t columns)
 
 void ColumnCache::Refresh(CWaveData& store, uint64_t firstFrame, uint32_t framesPerColumn, uint32_t width)
 {
+    const bool coarse = framesPerColumn >= BlockFrames;
+    if (coarse && store.IsComputingPeaks())
+        return;
     if (m_channels == 0 || m_channels != store.WorkingFormat().nChannels) {
         m_columns = 0;
         return;
@@ -83,7 +86,6 @@ void ColumnCache::Refresh(CWaveData& store, uint64_t firstFrame, uint32_t frames
     range.FramesPerColumn = framesPerColumn;
     range.Width = width;
 
-    const bool coarse = framesPerColumn >= BlockFrames;
     if (MakeCapacity(width) || coarse)
         Invalidate();
     if (m_framesPerColumn == framesPerColumn && m_firstColumn == range.FirstColumn() && width <= m_columns)
@@ -171,6 +173,8 @@ void ColumnCache::EnterColumns(const int16_t* samples, uint64_t frames, uint64_t
 void ColumnCache::QueryPeaks(CWaveData& store, uint64_t firstFrame, uint32_t framesPerPoint, uint64_t points,
                              uint64_t dataOffset)
 {
+    if (framesPerPoint >= BlockFrames && store.IsComputingPeaks())
+        return;
     Invalidate();
     m_columns = 0;
     if (m_channels == 0 || m_channels != store.WorkingFormat().nChannels || store.FrameCount() == 0)

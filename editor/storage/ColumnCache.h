@@ -13,10 +13,11 @@ namespace ek {
 class CWaveData;
 
 /// The smallest and the largest sample value of every visible pixel column of every channel: all that painting
-/// reads. At fine zooms columns that stay visible are kept when the view scrolls.
+/// reads. At fine zooms columns that stay visible are kept when the view scrolls. A window may be resized while a long
+/// operation runs: from 256 frames a column on the columns stay as they are while the store computes its peaks.
 class ColumnCache {
 public:
-    void SetChannelCount(uint32_t channels); ///< 0 .. 8; drops the columns
+    void SetChannelCount(uint32_t channels); ///< 0 .. 8, more count as 8; drops the columns
     uint32_t ChannelCount() const { return m_channels; }
     uint32_t ColumnCount() const { return m_columns; }
     uint32_t FramesPerColumn() const { return m_framesPerColumn; } ///< 0: rebuilt whole at the next refresh

@@ -39,7 +39,7 @@ const int16_t* SamplesAt(const SoundBuffer& block, uint64_t frame)
 } // namespace
 
 EditProcessor::EditProcessor(CWaveData& store, EditRange range)
-    : CWaveDataProcessor(store, range.Start, range.Count, range.Caption, range.Cancellable,
+    : CWaveDataProcessor(store.Frames(), range.Start, range.Count, range.Caption, range.Cancellable,
                          [this](uint8_t* frames, uint64_t first, uint64_t count) {
                              return Process(reinterpret_cast<int16_t*>(frames), first - m_range.Start, count);
                          }),

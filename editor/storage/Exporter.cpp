@@ -3,7 +3,6 @@
 
 #include "debugmanager/DebugManager.h"
 #include "framework/Prompts.h"
-#include "platform/ProductSettings.h"
 #include "platform/TempFile.h"
 #include "platform/Text.h"
 #include "servicefuncs/Channels.h"
@@ -30,15 +29,7 @@ fs::path FollowLinks(fs::path path)
     return path;
 }
 
-/// The layout that the coder takes while none is stored; empty when it has no choice of layouts.
-std::string LayoutInForce(const std::string& extension)
-{
-    for (const CoderOption& option : EkGetCoderOptions(extension)) {
-        if (option.Key == "channels")
-            return option.Value;
-    }
-    return {};
-}
+constexpr int NameAttempts = 100;
 
 void ShowError(const std::string& text)
 {
@@ -56,18 +47,18 @@ Exporter::Exporter(const SoundRecord& record, TempFileList& files, const fs::pat
 Exporter::~Exporter()
 {
     CloseCoder();
+    Discard();
 }
 
-void Exporter::ReportFailure() const
+void Exporter::ReportFailure(const std::string& fileName)
 {
-    ShowError(Format("Can't save file %s", m_fileName.c_str()));
+    ShowError(Format("Can't save file %s", fileName.c_str()));
 }
 
 bool Exporter::LayoutFits() const
 {
     const uint32_t channels = m_record.SourceFormat.nChannels;
-    const std::string name = GetProductSetting("Providers\\" + m_extension, "Channels", LayoutInForce(m_extension));
-    const uint32_t layout = ChannelLayoutCount(name);
+    const uint32_t layout = ChannelLayoutCount(EkCoderChannelLayout(m_extension));
     const bool bothSmall = (channels == 1 || channels == 2) && (layout == 1 || layout == 2);
     return layout != 0 && (layout == channels || bothSmall);
 }
@@ -108,9 +99,17 @@ bool Exporter::MayReplaceTarget() const
 
 bool Exporter::CreateCoder(bool useStoredSettings)
 {
-    m_written = MakeTempFileName("ekewdm", m_suffix, m_target.parent_path());
-    m_coder = EkCoderCreateFile(m_written, m_record.WorkingFormat, useStoredSettings ? &m_record.StreamProps : nullptr,
-                                useStoredSettings ? nullptr : &m_openAfter, m_record.FrameCount);
+    for (int attempt = 0; m_coder == 0 && attempt < NameAttempts; ++attempt) {
+        fs::path path = MakeTempFileName("ekewdm", m_suffix, m_target.parent_path());
+        m_coder = EkCoderCreateFile(path, m_record.WorkingFormat, useStoredSettings ? &m_record.StreamProps : nullptr,
+                                    useStoredSettings ? nullptr : &m_openAfter, m_record.FrameCount);
+        // A failed coder leaves no file, so one that is there is somebody else's, who was faster with the name.
+        std::error_code error;
+        if (m_coder == 0 && !fs::exists(fs::symlink_status(path, error)))
+            return false;
+        if (m_coder != 0)
+            m_written = std::move(path);
+    }
     if (m_coder == 0)
         return false;
     KeepPermissions();
@@ -176,11 +175,26 @@ WorkResult Exporter::WriteSound()
     return result == WorkResult::Finished && !closed ? WorkResult::Failed : result;
 }
 
-void Exporter::Discard() const
+void Exporter::Discard()
 {
-    if (IsFile(m_written) && !RemoveFile(m_written).Ok())
+    if (!m_written.empty() && !RemoveFile(m_written).Ok())
         enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Failed to delete temporary file \"%s\".",
                                          m_written.string().c_str());
+    m_written.clear();
+}
+
+/// The new file is read before the old one is given up: what cannot be opened again is not saved.
+bool Exporter::TakeTarget()
+{
+    StreamInfo info;
+    IoStatus synced;
+    if (!EkGetStreamInfo(m_written, info, m_savedProperties) || !RenameOver(m_written, m_target, &synced).Ok())
+        return false;
+    m_written.clear();
+    if (!synced.Ok())
+        enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Failed to sync the folder of \"%s\".",
+                                         m_target.string().c_str());
+    return true;
 }
 
 bool Exporter::Save(bool useStoredSettings, bool* openAfter)
@@ -188,12 +202,11 @@ bool Exporter::Save(bool useStoredSettings, bool* openAfter)
     if (!useStoredSettings && !ChooseSettings())
         return false;
     if (!MayReplaceTarget() || !CreateCoder(useStoredSettings)) {
-        Discard();
         ShowError("Can't create file");
         return false;
     }
     WorkResult result = WriteSound();
-    if (result == WorkResult::Finished && !RenameOver(m_written, m_target).Ok())
+    if (result == WorkResult::Finished && !TakeTarget())
         result = WorkResult::Failed;
     if (result != WorkResult::Finished)
         Discard();

@@ -22,10 +22,11 @@ public:
 
     /// False: failed (the user was told) or cancelled; nothing has changed on the disk then.
     bool Save(bool useStoredSettings, bool* openAfter);
-    void ReportFailure() const;
+    void ReportFailure() const { ReportFailure(m_fileName); }
+    static void ReportFailure(const std::string& fileName);
 
-    /// The file that is replaced: the target, or where it leads when it is a link.
-    const std::filesystem::path& FinalTarget() const { return m_target; }
+    /// After a save: what the codec library remembers of the new file.
+    const StreamProperties& SavedProperties() const { return m_savedProperties; }
 
 private:
     bool ChooseSettings() const;
@@ -37,7 +38,8 @@ private:
     WorkResult WriteSound();
     WorkResult WritePages(CProgressDlg& progress);
     void KeepPermissions() const;
-    void Discard() const;
+    bool TakeTarget();
+    void Discard();
 
     const SoundRecord& m_record;
     TempFileList& m_files;
@@ -45,7 +47,8 @@ private:
     const std::string m_fileName;
     const std::string m_suffix;    ///< of the name that the user gave: the extension with its dot
     const std::string m_extension; ///< the same without it
-    std::filesystem::path m_written;
+    std::filesystem::path m_written; ///< the new file while it is this exporter's to delete
+    StreamProperties m_savedProperties;
     CoderHandle m_coder = 0;
     uint8_t m_openAfter = 0;
 };

@@ -13,8 +13,7 @@ namespace {
 
 bool IsUsable(const WAVEFORMATEXTENSIBLE& format)
 {
-    return format.wBitsPerSample == 16 && format.nChannels >= 1 && format.nChannels <= MaxChannels &&
-           format.nBlockAlign == format.nChannels * 2;
+    return IsStorable(format) && format.wBitsPerSample == 16;
 }
 
 } // namespace
@@ -56,6 +55,11 @@ WAVEFORMATEXTENSIBLE Importer::ChooseFormat() const
     const WAVEFORMATEXTENSIBLE& format = m_wanted.wFormatTag != 0 ? m_wanted : m_record.SourceFormat;
     if (format.wBitsPerSample == 16)
         return format;
+    if (format.wBitsPerSample == 8) {
+        WAVEFORMATEXTENSIBLE wide = WidenTo16Bits(format);
+        wide.cbSize = 0;
+        return wide;
+    }
     return MakePcm16Format(format.nSamplesPerSec, format.nChannels, format.dwChannelMask);
 }
 
@@ -95,15 +99,13 @@ bool Importer::StorePage(std::span<const uint8_t> page)
     entry.Length = page.size();
     if (!TempFileList::CreateFile("ekesb", entry))
         return false;
-    const bool written = entry.Handle.WriteAt(page.data(), page.size(), 0).Ok();
-    if (written) {
-        m_files.Append(std::move(entry));
-    } else {
+    if (!entry.Handle.WriteAt(page.data(), page.size(), 0).Ok()) {
         enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Failed to write to the temporary file \"%s\".",
                                          entry.Name.string().c_str());
-        TempFileList::Discard(entry);
+        return false;
     }
-    return written;
+    m_files.Append(std::move(entry));
+    return true;
 }
 
 WorkResult Importer::CopyFrames(CProgressDlg& progress)

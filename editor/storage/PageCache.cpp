@@ -44,16 +44,25 @@ bool PageCache::Touch(uint64_t index)
     return true;
 }
 
+/// The page to make room: the oldest, or, when that cannot be written, the oldest that need not be.
+std::vector<PageCache::ResidentPage>::iterator PageCache::FindVictim()
+{
+    if (WriteBack(m_resident.front()))
+        return m_resident.begin();
+    return std::find_if(m_resident.begin(), m_resident.end(), [](const ResidentPage& page) { return !page.Changed; });
+}
+
 bool PageCache::Load(uint64_t index)
 {
     ResidentPage page;
     if (m_resident.size() < ResidentPageLimit) {
         page.Bytes = std::make_unique_for_overwrite<uint8_t[]>(PageSize);
     } else {
-        if (!WriteBack(m_resident.front()))
+        const auto victim = FindVictim();
+        if (victim == m_resident.end())
             return false;
-        page = std::move(m_resident.front());
-        m_resident.erase(m_resident.begin());
+        page = std::move(*victim);
+        m_resident.erase(victim);
     }
     page.Index = index;
     if (!m_files.Read(page.Bytes.get(), index * PageSize, LengthOf(index)))

@@ -23,7 +23,8 @@ public:
     uint64_t PageCount() const { return (m_length + PageSize - 1) / PageSize; }
 
     /// The bytes of page `index` (below PageCount), loaded when they are not here; valid until the next call. They
-    /// may be changed when `toChange`. Null when the page, or the one that has to make room, failed at the disk.
+    /// may be changed when `toChange`. Null when it cannot be read, or no page can make room because none is unchanged
+    /// and the oldest cannot be written.
     uint8_t* Page(uint64_t index, bool toChange);
 
     struct ResidentPage {
@@ -37,6 +38,7 @@ private:
     uint64_t LengthOf(uint64_t index) const;
     bool WriteBack(ResidentPage& page);
     bool Touch(uint64_t index);
+    std::vector<ResidentPage>::iterator FindVictim();
     bool Load(uint64_t index);
 
     TempFileList& m_files;

@@ -2,8 +2,8 @@
 #include "storage/PeakBuilder.h"
 
 #include <algorithm>
-#include <future>
 #include <memory>
+#include <system_error>
 
 namespace ek {
 
@@ -42,6 +42,17 @@ bool PeakBuilder::EnterRange(CProgressDlg& progress, uint64_t start, uint64_t en
     return true;
 }
 
+/// On a thread of its own, or, when the system has none left, on the one that asks for the outcome.
+std::future<bool> PeakBuilder::StartRange(CProgressDlg& progress, uint64_t start, uint64_t end)
+{
+    const auto enter = [=, this, &progress] { return EnterRange(progress, start, end); };
+    try {
+        return std::async(std::launch::async, enter);
+    } catch (const std::system_error&) {
+        return std::async(std::launch::deferred, enter);
+    }
+}
+
 WorkResult PeakBuilder::Work(CProgressDlg& progress, uint64_t start, uint64_t end)
 {
     m_total = end - start;
@@ -49,7 +60,7 @@ WorkResult PeakBuilder::Work(CProgressDlg& progress, uint64_t start, uint64_t en
     const uint64_t middle = parallel ? start + RoundDownToBlock(m_total / 2) : end;
     std::future<bool> second;
     if (parallel)
-        second = std::async(std::launch::async, [&] { return EnterRange(progress, middle, end); });
+        second = StartRange(progress, middle, end);
     const bool firstOk = EnterRange(progress, start, middle);
     const bool secondOk = !parallel || second.get();
     m_peaks.FinishCoarse(start, end);

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <future>
 
 namespace ek {
 
@@ -23,6 +24,7 @@ public:
 
 private:
     WorkResult Work(CProgressDlg& progress, uint64_t start, uint64_t end);
+    std::future<bool> StartRange(CProgressDlg& progress, uint64_t start, uint64_t end);
     bool EnterRange(CProgressDlg& progress, uint64_t start, uint64_t end);
 
     TempFileList& m_files;

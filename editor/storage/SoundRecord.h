@@ -17,4 +17,11 @@ struct SoundRecord {
     uint64_t ByteLength() const { return FrameCount * WorkingFormat.nBlockAlign; }
 };
 
+/// Whether a store can hold sound that comes in this format: 1 to 8 channels of 8 or 16 bits, with the frame size
+/// that follows and a rate.
+bool IsStorable(const WAVEFORMATEXTENSIBLE& format);
+
+/// The record with 16 bits and what follows from them, when it has 8; itself otherwise.
+WAVEFORMATEXTENSIBLE WidenTo16Bits(WAVEFORMATEXTENSIBLE format);
+
 } // namespace ek

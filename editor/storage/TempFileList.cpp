@@ -44,17 +44,22 @@ bool WriteTo(TempFileEntry& entry, const void* data, uint64_t length, uint64_t p
                        "Error! Failed to write data to temporary file \"%s\".", entry.Name);
 }
 
-bool DiscardAll(TempFileList::List& entries)
+/// Puts a new file in the place of the entry's, which can no longer be written: the old one's bytes up to `target`,
+/// then the given ones.
+bool MoveToNewFile(TempFileEntry& entry, const uint8_t* bytes, uint64_t target)
 {
-    bool ok = true;
-    for (TempFileEntry& entry : entries)
-        ok = TempFileList::Discard(entry) && ok;
-    entries.clear();
-    return ok;
+    TempFileEntry other;
+    const auto front = std::make_unique_for_overwrite<uint8_t[]>(target);
+    if (!ReadFrom(entry, front.get(), target, 0) || !TempFileList::CreateFile("ekewdme", other) ||
+        !WriteTo(other, front.get(), target, 0) || !WriteTo(other, bytes, entry.Length - target, target))
+        return false;
+    std::swap(entry.Handle, other.Handle);
+    entry.Name.swap(other.Name);
+    return true;
 }
 
 /// Moves the last bytes of a file, from `source` on, down to `target`. When that fails half-way the old bytes are
-/// put back, so that the file still says what its entry says.
+/// put back, or into a new file, so that the entry's file still says what the entry says.
 bool MoveTailDown(TempFileEntry& entry, uint64_t source, uint64_t target)
 {
     const uint64_t length = entry.Length - target;
@@ -63,11 +68,24 @@ bool MoveTailDown(TempFileEntry& entry, uint64_t source, uint64_t target)
         return false;
     if (WriteTo(entry, bytes.get() + (source - target), entry.Length - source, target))
         return true;
-    (void)WriteTo(entry, bytes.get(), length, target);
+    if (!WriteTo(entry, bytes.get(), length, target) && !MoveToNewFile(entry, bytes.get(), target))
+        LogFile(LogError, "Error! Lost a part of the sound in temporary file \"%s\".", entry.Name);
     return false;
 }
 
 } // namespace
+
+TempFileEntry::~TempFileEntry()
+{
+    if (Handle.IsOpen())
+        Delete();
+}
+
+bool TempFileEntry::Delete()
+{
+    const bool closed = LogUnlessOk(Handle.Close(), "Error: Failed to close temporary file \"%s\".", Name);
+    return LogUnlessOk(RemoveFile(Name), "Error: Failed to delete temporary file \"%s\".", Name) && closed;
+}
 
 TempFileList::~TempFileList()
 {
@@ -83,17 +101,15 @@ bool TempFileList::CreateFile(std::string_view prefix, TempFileEntry& entry)
     return true;
 }
 
-bool TempFileList::Discard(TempFileEntry& entry)
-{
-    const bool closed = LogUnlessOk(entry.Handle.Close(), "Error: Failed to close temporary file \"%s\".", entry.Name);
-    return LogUnlessOk(RemoveFile(entry.Name), "Error: Failed to delete temporary file \"%s\".", entry.Name) && closed;
-}
-
+/// All that needs memory comes before the list changes, here and where entries are spliced in, so that list and index
+/// agree whatever happens.
 void TempFileList::Append(TempFileEntry entry)
 {
     entry.Start = Length();
-    m_entries.push_back(std::move(entry));
-    m_index.push_back(std::prev(m_entries.end()));
+    List added;
+    added.push_back(std::move(entry));
+    m_index.push_back(added.begin());
+    m_entries.splice(m_entries.end(), added);
 }
 
 void TempFileList::Reindex()
@@ -174,14 +190,15 @@ TempFileList::Iterator TempFileList::Split(Iterator entry, uint64_t offset)
     const auto bytes = std::make_unique_for_overwrite<uint8_t[]>(tail.Length);
     if (!ReadFrom(*entry, bytes.get(), tail.Length, inFile) || !CreateFile("ekewdme", tail))
         return m_entries.end();
-    if (!WriteTo(tail, bytes.get(), tail.Length, 0)) {
-        Discard(tail);
+    if (!WriteTo(tail, bytes.get(), tail.Length, 0))
         return m_entries.end();
-    }
+    List tails;
+    tails.push_back(std::move(tail));
+    m_index.reserve(m_entries.size() + 1);
     entry->Length = inFile;
-    const Iterator added = m_entries.insert(std::next(entry), std::move(tail));
+    m_entries.splice(std::next(entry), tails);
     Reindex();
-    return added;
+    return std::next(entry);
 }
 
 /// The disk space is allocated, so that a full disk shows here and not when the room is written.
@@ -214,10 +231,9 @@ bool TempFileList::InsertSpace(uint64_t a, uint64_t b, uint64_t length)
             return false;
     }
     List pieces;
-    if (!MakeRoom(pieces, next != m_entries.end() ? next->Start : Length(), length)) {
-        DiscardAll(pieces);
+    if (!MakeRoom(pieces, next != m_entries.end() ? next->Start : Length(), length))
         return false;
-    }
+    m_index.reserve(m_entries.size() + pieces.size());
     for (Iterator entry = next; entry != m_entries.end(); ++entry)
         entry->Start += length;
     m_entries.splice(next, pieces);
@@ -242,7 +258,7 @@ bool TempFileList::Remove(uint64_t from, uint64_t to)
     for (Iterator entry = m_entries.begin(); entry != m_entries.end();) {
         const uint64_t end = EndOf(*entry);
         if (entry->Start >= from && end <= to) {
-            Discard(*entry);
+            entry->Delete();
             entry = m_entries.erase(entry);
             continue;
         }
@@ -254,30 +270,29 @@ bool TempFileList::Remove(uint64_t from, uint64_t to)
     return true;
 }
 
-bool TempFileList::CopyFile(const TempFileEntry& original, TempFileEntry& copy)
+bool TempFileList::CopyFile(const TempFileEntry& original, TempFileEntry& copy, uint8_t* buffer)
 {
+    assert(original.Length <= LargestFile);
     copy.Length = original.Length;
-    copy.Name = MakeTempFileName("ekecdf", Extension);
-    if (!CopyFileTo(original.Name, copy.Name).Ok()) {
-        enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Failed to copy file %s to %s !",
-                                         original.Name.string().c_str(), copy.Name.string().c_str());
+    if (!LogUnlessOk(CreateTempFile("ekecdf", Extension, copy.Handle, copy.Name),
+                     "Error: Failed to open temporary file \"%s\".", copy.Name))
         return false;
-    }
-    if (!LogUnlessOk(copy.Handle.Open(copy.Name, File::Access::ReadWrite),
-                     "Error: Failed to open temporary file \"%s\".", copy.Name)) {
-        Discard(copy);
-        return false;
-    }
     LogFile(LogInformation, "Created temporary file \"%s\".", copy.Name);
-    return true;
+    if (original.Handle.ReadAllAt(buffer, original.Length, 0).Ok() &&
+        copy.Handle.WriteAt(buffer, original.Length, 0).Ok())
+        return true;
+    enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Failed to copy file %s to %s !",
+                                     original.Name.string().c_str(), copy.Name.string().c_str());
+    return false;
 }
 
 bool TempFileList::CopyFrom(const TempFileList& source)
 {
     assert(m_entries.empty());
+    const auto buffer = std::make_unique_for_overwrite<uint8_t[]>(LargestFile);
     for (const TempFileEntry& original : source.m_entries) {
         TempFileEntry copy;
-        if (!CopyFile(original, copy))
+        if (!CopyFile(original, copy, buffer.get()))
             return false;
         Append(std::move(copy));
     }
@@ -287,7 +302,11 @@ bool TempFileList::CopyFrom(const TempFileList& source)
 bool TempFileList::Clear()
 {
     m_index.clear();
-    return DiscardAll(m_entries);
+    bool ok = true;
+    for (TempFileEntry& entry : m_entries)
+        ok = entry.Delete() && ok;
+    m_entries.clear();
+    return ok;
 }
 
 } // namespace ek

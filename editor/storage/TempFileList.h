@@ -12,8 +12,16 @@
 namespace ek {
 
 /// One temporary file of a store: it holds the stream bytes [Start, Start + Length) from its beginning on. The
-/// file may be longer; the rest is not part of the stream.
+/// file may be longer; the rest is not part of the stream. While its handle is open the entry owns the file and
+/// deletes it in the end.
 struct TempFileEntry {
+    TempFileEntry() = default;
+    ~TempFileEntry();
+    TempFileEntry(TempFileEntry&&) = default;
+    TempFileEntry& operator=(TempFileEntry&&) = delete;
+
+    bool Delete(); ///< closes and deletes the file; false when one of that failed
+
     uint64_t Start = 0;
     uint64_t Length = 0;
     std::filesystem::path Name;
@@ -44,12 +52,12 @@ public:
     /// Creates the file of a new entry, which is not part of the list yet; the caller fills it and appends it.
     static bool CreateFile(std::string_view prefix, TempFileEntry& entry);
     void Append(TempFileEntry entry); ///< its Start becomes the end of the stream
-    static bool Discard(TempFileEntry& entry);
 
     /// The stream grows by `length` zero bytes somewhere in [a, b], exactly at `b` when a == b.
     /// On failure the stream is as before.
     bool InsertSpace(uint64_t a, uint64_t b, uint64_t length);
-    /// Takes [from, to) out. On failure the stream is as before, where the disk allows.
+    /// Takes [from, to) out. On failure the stream is as before, where the disk allows: bytes that can be written
+    /// neither to their own file nor to a new one are lost, which the log says.
     bool Remove(uint64_t from, uint64_t to);
     /// Fills an empty list with copies of the files of `source`; on failure it holds the copies made so far.
     bool CopyFrom(const TempFileList& source);
@@ -62,7 +70,7 @@ private:
     bool IsRange(uint64_t from, uint64_t to) const; ///< logs when it is not one of the stream
     Iterator Find(uint64_t offset);
     Iterator Split(Iterator entry, uint64_t offset);
-    static bool CopyFile(const TempFileEntry& original, TempFileEntry& copy);
+    static bool CopyFile(const TempFileEntry& original, TempFileEntry& copy, uint8_t* buffer);
     static bool MakeRoom(List& pieces, uint64_t start, uint64_t length);
     void Reindex();
     template <class Move>

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstring>
+#include <exception>
 #include <mutex>
 
 namespace ek {
@@ -28,6 +29,18 @@ uint64_t RoundUp(uint64_t frames)
 {
     return (frames + PeakCache::BlockFrames - 1) / PeakCache::BlockFrames * PeakCache::BlockFrames;
 }
+
+/// Set while it lives.
+class FlagGuard {
+public:
+    explicit FlagGuard(std::atomic<bool>& flag) : m_flag(flag) { m_flag = true; }
+    ~FlagGuard() { m_flag = false; }
+    FlagGuard(const FlagGuard&) = delete;
+    FlagGuard& operator=(const FlagGuard&) = delete;
+
+private:
+    std::atomic<bool>& m_flag;
+};
 
 } // namespace
 
@@ -92,7 +105,10 @@ int16_t CWaveData::SampleAt(uint64_t valueIndex)
 
 bool CWaveData::InsertSpace(uint64_t a, uint64_t b, uint64_t length)
 {
-    assert(BlockAlign() != 0);
+    if (BlockAlign() == 0) {
+        Log(LogError, "Error: The sound of \"%s\" has no format.");
+        return false;
+    }
     if (!FlushPages() || !m_files.InsertSpace(a, b, length))
         return false;
     m_record.FrameCount += length / BlockAlign();
@@ -126,13 +142,10 @@ bool CWaveData::CopyFrom(CWaveData& source)
 
 bool CWaveData::SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties)
 {
+    if (!IsStorable(format))
+        return false;
     m_record.SourceFormat = format;
-    m_record.WorkingFormat = format;
-    if (format.wBitsPerSample == 8) {
-        m_record.WorkingFormat.wBitsPerSample = 16;
-        m_record.WorkingFormat.nBlockAlign *= 2;
-        m_record.WorkingFormat.nAvgBytesPerSec *= 2;
-    }
+    m_record.WorkingFormat = WidenTo16Bits(format);
     m_record.StreamProps = properties ? *properties : StreamProperties();
     return true;
 }
@@ -161,7 +174,12 @@ bool CWaveData::ComputePeaks(uint64_t start, uint64_t end, uint32_t onlyChannel)
 {
     if (start >= end)
         return true;
-    return FlushPages() && PeakBuilder(m_files, BlockAlign(), m_peaks, onlyChannel).Run(start, end);
+    const FlagGuard computing(m_computingPeaks);
+    if (FlushPages() && PeakBuilder(m_files, BlockAlign(), m_peaks, onlyChannel).Run(start, end))
+        return true;
+    Log(LogError, "Error: Failed to create cache256 for file \"%s\".");
+    m_peaks.Free();
+    return false;
 }
 
 bool CWaveData::BuildPeakCache()
@@ -183,10 +201,29 @@ bool CWaveData::RebuildPeakCachePart(uint64_t startFrame, uint64_t oldLength, ui
         m_peaks.Alloc(FrameCount(), WorkingFormat().nChannels);
         return ComputePeaks(0, FrameCount(), PeakCache::AllChannels);
     }
+    m_peaks.Grow(FrameCount());
     if (oldLength == newLength)
         return ComputePeaks(start, std::min(RoundUp(startFrame + newLength), FrameCount()), position);
-    m_peaks.Grow(FrameCount());
     return ComputePeaks(start, FrameCount(), position);
+}
+
+WorkResult CWaveData::RunImport(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& wanted,
+                                const std::string& caption)
+{
+    const FlagGuard computing(m_computingPeaks);
+    try {
+        Importer importer(path, wanted, m_record, m_files, m_peaks);
+        const WorkResult result =
+            RunInBackground(caption, true, [&](CProgressDlg& progress) { return importer.Run(progress); });
+        if (result == WorkResult::Failed)
+            return result;
+        ResetPages();
+        Log(LogInformation, "Creating cache256 for file \"%s\".");
+        m_peaks.FinishCoarse(0, FrameCount());
+        return result;
+    } catch (const std::exception&) {
+        return WorkResult::Failed;
+    }
 }
 
 bool CWaveData::Import(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& wanted, const char* captionFormat)
@@ -199,18 +236,12 @@ bool CWaveData::Import(const std::filesystem::path& path, const WAVEFORMATEXTENS
     Close();
     m_path = path;
     const std::string fileName = path.filename().string();
-    Importer importer(path, wanted, m_record, m_files, m_peaks);
-    const WorkResult result = RunInBackground(Format(captionFormat, fileName.c_str()), true,
-                                              [&](CProgressDlg& progress) { return importer.Run(progress); });
-    if (result == WorkResult::Failed) {
-        AfxSCMessageBox(Format("Can't open file %s", fileName.c_str()), MessageButtons::Ok, MessageIcon::Error);
-        Close();
-        return false;
-    }
-    ResetPages();
-    Log(LogInformation, "Creating cache256 for file \"%s\".");
-    m_peaks.FinishCoarse(0, FrameCount());
-    return result == WorkResult::Finished;
+    const WorkResult result = RunImport(path, wanted, Format(captionFormat, fileName.c_str()));
+    if (result != WorkResult::Failed)
+        return result == WorkResult::Finished;
+    AfxSCMessageBox(Format("Can't open file %s", fileName.c_str()), MessageButtons::Ok, MessageIcon::Error);
+    Close();
+    return false;
 }
 
 bool CWaveData::OpenFile(const std::filesystem::path& path)
@@ -223,19 +254,27 @@ bool CWaveData::OpenFileAs(const std::filesystem::path& path, const WAVEFORMATEX
     return Import(path, wanted, "Opening/Resampling %s");
 }
 
-bool CWaveData::SaveFile(const std::filesystem::path& target, bool useStoredSettings, bool* openAfter)
+bool CWaveData::Export(const std::filesystem::path& target, bool useStoredSettings, bool* openAfter)
 {
     Exporter exporter(m_record, m_files, target);
     if (!FlushPages()) {
         exporter.ReportFailure();
         return false;
     }
-    StreamInfo info;
-    StreamProperties properties;
-    if (!exporter.Save(useStoredSettings, openAfter) || !EkGetStreamInfo(exporter.FinalTarget(), info, properties))
+    if (!exporter.Save(useStoredSettings, openAfter))
         return false;
-    m_record.StreamProps = properties;
+    m_record.StreamProps = exporter.SavedProperties();
     return true;
+}
+
+bool CWaveData::SaveFile(const std::filesystem::path& target, bool useStoredSettings, bool* openAfter)
+{
+    try {
+        return Export(target, useStoredSettings, openAfter);
+    } catch (const std::exception&) {
+        Exporter::ReportFailure(target.filename().string());
+        return false;
+    }
 }
 
 } // namespace ek

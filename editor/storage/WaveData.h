@@ -9,6 +9,7 @@
 #include "storage/SoundRecord.h"
 #include "storage/TempFileList.h"
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <list>
@@ -22,7 +23,7 @@ namespace ek {
 ///
 /// ReadData, WriteData and SampleAt may be called from any thread: one lock for all stores serialises them. All
 /// other operations run only while no other thread uses the store.
-class CWaveData final : public FrameSource {
+class CWaveData {
 public:
     static constexpr uint32_t PageSize = PageCache::PageSize; ///< a multiple of 256 frames of 1 to 8 channels
     static constexpr uint32_t ResidentPageLimit = PageCache::ResidentPageLimit;
@@ -38,13 +39,15 @@ public:
     const StreamProperties& StreamProps() const { return m_record.StreamProps; }
     uint64_t FrameCount() const { return m_record.FrameCount; }
     uint64_t ByteLength() const { return m_record.ByteLength(); }
-    uint32_t BlockAlign() const override { return m_record.WorkingFormat.nBlockAlign; }
+    uint32_t BlockAlign() const { return m_record.WorkingFormat.nBlockAlign; }
     const std::filesystem::path& Path() const { return m_path; }
     const std::list<TempFileEntry>& TempFiles() const { return m_files.Entries(); }
     const PeakCache& Peaks() const { return m_peaks; }
+    bool IsComputingPeaks() const { return m_computingPeaks; } ///< on another thread: Peaks() is not to be touched
+    FrameSource& Frames() { return m_frames; }                 ///< the store as processors read it
 
     // Bytes. A range beyond the stream is an error; the part before it is done.
-    bool ReadData(void* buffer, uint64_t offset, uint64_t length) override;
+    bool ReadData(void* buffer, uint64_t offset, uint64_t length);
     bool WriteData(const void* data, uint64_t offset, uint64_t length);
     int16_t SampleAt(uint64_t valueIndex); ///< 0 beyond the end
 
@@ -55,7 +58,8 @@ public:
     bool InsertSpace(uint64_t a, uint64_t b, uint64_t length);
     bool RemoveData(uint64_t from, uint64_t to);
     bool CopyFrom(CWaveData& source); ///< a deep copy, peak cache included
-    /// Formats of an empty store; 8-bit becomes 16-bit in the working format.
+    /// Formats of an empty store; 8-bit becomes 16-bit in the working format. A format that is not IsStorable is
+    /// refused and changes nothing.
     bool SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties);
     bool FlushPages(); ///< writes changed pages back and empties the page cache
     void ResetPages(); ///< empties the page cache without writing and counts the pages again
@@ -67,7 +71,7 @@ public:
     /// Fills an empty store and builds its peaks; false also for a record of no frames. The store is empty then.
     bool ReadFromStream(File& file, uint64_t& position);
 
-    // Peaks.
+    // Peaks. When they cannot be computed there are none, and the next rebuild is one of all.
     bool BuildPeakCache();
     /// After an edit that turned `oldLength` frames from `startFrame` on into `newLength` frames.
     bool RebuildPeakCachePart(uint64_t startFrame, uint64_t oldLength, uint64_t newLength, ChannelCode code);
@@ -82,7 +86,11 @@ public:
     /// new file. False: failed (the user was told) or cancelled; an old file at the target is untouched.
     bool SaveFile(const std::filesystem::path& target, bool useStoredSettings, bool* openAfter);
 
-    // Edits of frames, each behind a progress. One channel is edited when the code is not ChannelAll.
+    // Edits of frames, each behind a progress. One channel is edited when the code is not ChannelAll. Where no room
+    // could be made or removed, nothing has changed. An edit that stops later (false, Failed or Cancelled) has the
+    // length it was to get and is done up to where it stopped; behind that the range holds the old frames, or, in a
+    // replacement of all channels by a longer block, any. Peaks are renewed after a finished edit; when that fails
+    // there are none, and the edit is done all the same.
     enum class Direction { StoreToBlock, BlockToStore };
     WorkResult ExchangeFrames(SoundBuffer& block, uint64_t start, uint64_t count, ChannelCode code, Direction direction,
                               const std::string& caption, bool cancellable);
@@ -100,9 +108,25 @@ public:
                          bool cancellable, const std::string& caption);
 
 private:
+    class Source final : public FrameSource {
+    public:
+        explicit Source(CWaveData& store) : m_store(store) {}
+        uint32_t BlockAlign() const override { return m_store.BlockAlign(); }
+        bool ReadData(void* buffer, uint64_t offsetBytes, uint64_t lengthBytes) override
+        {
+            return m_store.ReadData(buffer, offsetBytes, lengthBytes);
+        }
+
+    private:
+        CWaveData& m_store;
+    };
+
     template <class Copy>
     bool ForEachPage(uint64_t offset, uint64_t length, bool toChange, Copy copy);
+    WorkResult RunImport(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& wanted,
+                         const std::string& caption);
     bool Import(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& wanted, const char* captionFormat);
+    bool Export(const std::filesystem::path& target, bool useStoredSettings, bool* openAfter);
     bool ReadRecord(File& file, uint64_t& position);
     bool ReadBytes(File& file, uint64_t& position);
     bool ComputePeaks(uint64_t start, uint64_t end, uint32_t onlyChannel);
@@ -114,6 +138,8 @@ private:
     TempFileList m_files;
     PageCache m_pages{m_files};
     PeakCache m_peaks;
+    std::atomic<bool> m_computingPeaks = false;
+    Source m_frames{*this};
     std::filesystem::path m_path;
 };
 

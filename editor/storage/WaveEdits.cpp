@@ -31,9 +31,13 @@ bool CWaveData::DeleteFrames(uint64_t start, uint64_t end, ChannelCode code, con
     const uint64_t length = end - start;
     if (EditsOneChannel(code)) {
         const bool cleared = ClearFrames(start, length, code, caption, false, undo);
-        return RebuildPeakCachePart(start, length, length, code) && cleared;
+        RebuildPeakCachePart(start, length, length, code);
+        return cleared;
     }
-    return RemoveData(start * BlockAlign(), end * BlockAlign()) && RebuildPeakCachePart(start, length, 0, ChannelAll);
+    if (!RemoveData(start * BlockAlign(), end * BlockAlign()))
+        return false;
+    RebuildPeakCachePart(start, length, 0, ChannelAll);
+    return true;
 }
 
 /// Turns the frames [start, end) into `newLength` frames, whose content is the caller's.
@@ -58,10 +62,10 @@ WorkResult CWaveData::ReplaceFrames(uint64_t start, uint64_t& end, const SoundBu
     if (!MakeRoomFor(start, end, length, code) || !FlushPages())
         return WorkResult::Failed;
     const EditRange range{start, length, code, caption, cancellable};
-    WorkResult result = CSubstituteWaveDataProgress(*this, range, block).Run();
+    const WorkResult result = CSubstituteWaveDataProgress(*this, range, block).Run();
     end = start + length;
-    if (!FlushPages() || (result == WorkResult::Finished && !BuildPeakCache()))
-        result = WorkResult::Failed;
+    if (result == WorkResult::Finished)
+        BuildPeakCache();
     return result;
 }
 
@@ -76,8 +80,8 @@ WorkResult CWaveData::MixFrames(SoundBuffer* undo, uint64_t start, const SoundBu
         return WorkResult::Failed;
     const EditRange range{start, length, code, caption, cancellable};
     const WorkResult result = CMixWaveDataProgress(*this, range, block, undo).Run();
-    if (result == WorkResult::Finished && !RebuildPeakCachePart(start, mixed, length, grows ? ChannelAll : code))
-        return WorkResult::Failed;
+    if (result == WorkResult::Finished)
+        RebuildPeakCachePart(start, mixed, length, grows ? ChannelAll : code);
     return result;
 }
 

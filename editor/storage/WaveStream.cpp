@@ -48,8 +48,7 @@ SoundRecord Unpack(const Header& header)
 bool IsPlausible(const SoundRecord& record, uint64_t available)
 {
     const WAVEFORMATEXTENSIBLE& format = record.WorkingFormat;
-    return format.nChannels >= 1 && format.nChannels <= MaxChannels && format.wBitsPerSample == 16 &&
-           format.nBlockAlign == format.nChannels * 2 && record.FrameCount != 0 &&
+    return IsStorable(format) && format.wBitsPerSample == 16 && record.FrameCount != 0 &&
            record.FrameCount <= available / format.nBlockAlign;
 }
 

@@ -1,19 +1,52 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "debugmanager/DebugManager.h"
+#include "debugmanager/LogFile.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
 #include <mutex>
 #include <spdlog/logger.h>
-#include <spdlog/sinks/rotating_file_sink.h>
+#include <spdlog/sinks/base_sink.h>
 #include <utility>
 
 namespace ek {
 
 namespace {
 
-constexpr size_t FileBytes = 2 << 20;
-constexpr size_t OldFiles = 2;
+/// Knows no lock of its own: the manager's is held.
+class LogFileSink : public spdlog::sinks::base_sink<spdlog::details::null_mutex> {
+public:
+    explicit LogFileSink(std::filesystem::path path) : m_file(std::move(path)) {}
+
+protected:
+    void sink_it_(const spdlog::details::log_msg& message) override
+    {
+        spdlog::memory_buf_t line;
+        formatter_->format(message, line);
+        m_file.Append({line.data(), line.size()});
+    }
+    // What a crash leaves behind is what the log is for, so no line waits in a buffer.
+    void flush_() override {}
+
+private:
+    LogFile m_file;
+};
+
+/// One line of the log whatever the text holds: a file's name may contain a line break.
+std::string OnOneLine(std::string_view text)
+{
+    std::string line;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '\n')
+            line += "\\n";
+        else if (byte < 0x20 || byte == 0x7F)
+            line += Format("\\x%02X", byte);
+        else
+            line += c;
+    }
+    return line;
+}
 
 spdlog::level::level_enum BackEndLevel(int level)
 {
@@ -32,12 +65,9 @@ std::shared_ptr<spdlog::logger> OpenLog()
     const std::filesystem::path folder = StateHome();
     if (folder.empty())
         return nullptr;
-    const std::string path = folder / "ek-wave-editor" / "editor.log";
-    auto sink = std::make_shared<spdlog::sinks::rotating_file_sink_mt>(path, FileBytes, OldFiles);
+    auto sink = std::make_shared<LogFileSink>(folder / "ek-wave-editor" / "editor.log");
     auto log = std::make_shared<spdlog::logger>("", std::move(sink));
     log->set_level(spdlog::level::trace);
-    // What a crash leaves behind is what the log is for, so no line waits in a buffer.
-    log->flush_on(spdlog::level::trace);
     log->set_pattern("%Y-%m-%d %H:%M:%S.%e %l %v");
     log->set_error_handler([](const std::string&) {});
     return log;
@@ -69,7 +99,7 @@ void CDebugManager::Impl::Add(const Line& line)
     if (Collecting)
         Lines.push_back(line);
     if (spdlog::logger* const log = OpenedLog())
-        log->log(BackEndLevel(line.Level), "{}: {}", line.Source, line.Text);
+        log->log(BackEndLevel(line.Level), "{}: {}", OnOneLine(line.Source), OnOneLine(line.Text));
 }
 
 CDebugManager::CDebugManager() : m_impl(std::make_unique<Impl>()) {}

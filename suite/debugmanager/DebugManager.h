@@ -10,8 +10,10 @@ namespace ek {
 
 enum LogLevel : int { LogTree = -1, LogError = 1, LogInformation = 2 };
 
-/// The log: lines with time, source and level in StateHome()/ek-wave-editor/editor.log, rotated by size. A log
-/// that cannot be opened loses its lines; it never disturbs the program. Any thread except the sound card's.
+/// The log: lines with time, source and level in StateHome()/ek-wave-editor/editor.log, rotated by size. Each copy of
+/// it, in a host and in its modules, and each process writes the same file. Control characters are written as \n or
+/// \xNN. A log that cannot be opened loses its lines; it never disturbs the program. Any thread except the sound
+/// card's.
 class CDebugManager {
 public:
     CDebugManager();

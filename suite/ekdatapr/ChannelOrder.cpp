@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ekdatapr/ChannelOrder.h"
 
+#include "platform/Text.h"
+#include "servicefuncs/Channels.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <charconv>
 #include <numeric>
+#include <string_view>
 
 namespace ek {
 
@@ -61,6 +66,25 @@ const std::array<ChannelOrder, 9> OggOrders = {{
     {0x63F, {0, 2, 1, 7, 5, 6, 3, 4}},
 }};
 
+constexpr std::string_view SpeakersName = "Ek Wave Editor (speakers ";
+
+bool IsFlac(int sfFormat)
+{
+    return (sfFormat & SF_FORMAT_TYPEMASK) == SF_FORMAT_FLAC;
+}
+
+/// The mask in the name of the encoder; 0 when there is none.
+uint32_t MaskByName(SNDFILE* file, int channels)
+{
+    const char* software = sf_get_string(file, SF_STR_SOFTWARE);
+    const std::string_view name = software ? software : "";
+    const size_t place = name.find(SpeakersName);
+    uint32_t mask = 0;
+    if (place != std::string_view::npos)
+        std::from_chars(name.data() + place + SpeakersName.size(), name.data() + name.size(), mask, 16);
+    return std::popcount(mask) == channels ? mask : 0;
+}
+
 ChannelOrder OrderByMaskBits(const std::vector<uint32_t>& bits)
 {
     ChannelOrder order;
@@ -84,13 +108,15 @@ ChannelOrder FixedChannelOrder(int sfFormat, uint32_t channels)
     if (channels >= OggOrders.size() || (container != SF_FORMAT_OGG && container != SF_FORMAT_FLAC))
         return {};
     ChannelOrder order = OggOrders[channels];
-    if (container == SF_FORMAT_FLAC)
+    if (IsFlac(sfFormat))
         order.From.clear(); // the same speakers in the order of their mask bits
     return order;
 }
 
 ChannelOrder ReadChannelOrder(SNDFILE* file, const SF_INFO& info)
 {
+    if (const uint32_t mask = IsFlac(info.format) ? MaskByName(file, info.channels) : 0)
+        return {mask, {}};
     std::vector<int> map(static_cast<size_t>(info.channels));
     const auto mapBytes = static_cast<int>(map.size() * sizeof(int));
     if (!sf_command(file, SFC_GET_CHANNEL_MAP_INFO, map.data(), mapBytes))
@@ -98,6 +124,16 @@ ChannelOrder ReadChannelOrder(SNDFILE* file, const SF_INFO& info)
     std::vector<uint32_t> bits(map.size());
     std::ranges::transform(map, bits.begin(), MaskBitOf);
     return OrderByMaskBits(bits);
+}
+
+std::string MakeSpeakersName(int sfFormat, uint32_t channels, uint32_t mask)
+{
+    uint32_t usual = FixedChannelOrder(sfFormat, channels).Mask;
+    if (usual == 0)
+        usual = DefaultChannelMask(channels);
+    if (!IsFlac(sfFormat) || mask == usual)
+        return {};
+    return Format("%s%x)", SpeakersName.data(), mask);
 }
 
 bool WriteChannelMap(SNDFILE* file, uint32_t mask)

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <sndfile.h>
+#include <string>
 #include <vector>
 
 namespace ek {
@@ -22,6 +23,10 @@ ChannelOrder FixedChannelOrder(int sfFormat, uint32_t channels);
 
 /// Tells a new file which speakers its channels are for. False when the container cannot keep that.
 bool WriteChannelMap(SNDFILE* file, uint32_t mask);
+
+/// The encoder's name for a file whose container prescribes other speakers than those of `mask`, although any order of
+/// samples fits in: ReadChannelOrder finds the mask in it. Empty where none is needed.
+std::string MakeSpeakersName(int sfFormat, uint32_t channels, uint32_t mask);
 
 enum class OrderDirection { FileToFrame, FrameToFile };
 

@@ -4,6 +4,7 @@
 #include "ekdatapr/ChannelOrder.h"
 #include "ekdatapr/CoderTypes.h"
 #include "ekdatapr/Dither.h"
+#include "ekdatapr/Id3.h"
 #include "ekdatapr/SourceFacts.h"
 
 #include <algorithm>
@@ -37,6 +38,16 @@ double CompressionFor(const CoderPlan& plan)
         rate = plan.BitRate + 0.5; // the library cuts off fractions
     }
     return std::clamp((highest - rate) / (highest - lowest), 0.0, 1.0);
+}
+
+/// How the bits are spread. The first frame of an MPEG stream tells the length of the sound; at a constant rate it has
+/// that rate, too, and may be too small for that.
+int BitRateModeFor(const CoderPlan& plan)
+{
+    constexpr double lengthBytes = 192;
+    const double framesPerSecond = plan.Info.samplerate / (plan.Info.samplerate >= 32000 ? 1152.0 : 576.0);
+    const double frameBytes = plan.BitRate * 1000 / 8 / framesPerSecond;
+    return frameBytes < lengthBytes ? SF_BITRATE_MODE_AVERAGE : SF_BITRATE_MODE_CONSTANT;
 }
 
 } // namespace
@@ -75,7 +86,7 @@ void Coder::Configure()
     if (RateSettingOf(m_plan.Info.format) == RateSetting::Quality)
         sf_command(m_file.Handle(), SFC_SET_VBR_ENCODING_QUALITY, &m_plan.Quality, sizeof m_plan.Quality);
     if (RateSettingOf(m_plan.Info.format) == RateSetting::BitRate) {
-        int mode = SF_BITRATE_MODE_CONSTANT;
+        int mode = BitRateModeFor(m_plan);
         double compression = CompressionFor(m_plan);
         if (IsMpeg(m_plan))
             sf_command(m_file.Handle(), SFC_SET_BITRATE_MODE, &mode, sizeof mode);
@@ -90,7 +101,9 @@ void Coder::Begin()
 {
     if (std::exchange(m_begun, true))
         return;
-    const std::string encoder = MakeEncoderName(m_plan.Info.format, m_plan.Quality, m_plan.BitRate);
+    std::string encoder = MakeEncoderName(m_plan.Info.format, m_plan.Quality, m_plan.BitRate);
+    if (encoder.empty())
+        encoder = MakeSpeakersName(m_plan.Info.format, m_matrix.Outputs, m_plan.Mask);
     if (IsMpeg(m_plan)) {
         // The library's own ID3 tags know no letters beyond Latin-1 and no copyright.
         m_file.Stream().WritePrefix(MakeId3Tag(m_plan.Tags, encoder));
@@ -205,7 +218,7 @@ bool Coder::Finish()
     } else if (m_written == 0) {
         sf_command(m_file.Handle(), SFC_UPDATE_HEADER_NOW, nullptr, 0);
     }
-    return m_file.Finish() && written;
+    return m_file.Finish(m_written) && written;
 }
 
 } // namespace ek

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ekdatapr/CoderPlan.h"
 
+#include "ekdatapr/ChannelOrder.h"
 #include "ekdatapr/CoderSettings.h"
 #include "ekdatapr/CoderTypes.h"
 #include "ekdatapr/RateConverter.h"
@@ -72,10 +73,14 @@ bool ChooseChannels(CoderPlan& plan, uint32_t chosen)
     return true;
 }
 
-/// Only the extended kind of WAV says which speakers the channels are for.
+/// Only the extended kind of WAV says which speakers the channels are for. Ogg has one layout for each count, to which
+/// other sound is mixed; its coders treat channels by their speakers, so none can stand for another.
 void KeepSpeakers(CoderPlan& plan)
 {
     const auto channels = static_cast<uint32_t>(plan.Info.channels);
+    const uint32_t fixedMask = FixedChannelOrder(plan.Info.format, channels).Mask;
+    if (ContainerOf(plan.Info.format) == SF_FORMAT_OGG && fixedMask != 0)
+        plan.Mask = fixedMask;
     if (ContainerOf(plan.Info.format) != SF_FORMAT_WAV || (channels <= 2 && plan.Mask == DefaultChannelMask(channels)))
         return;
     CoderPlan extended = plan;
@@ -131,6 +136,8 @@ std::optional<CoderPlan> MakeCoderPlan(const std::filesystem::path& target, cons
     if (!properties && !ChooseChannels(plan, settings.Channels))
         return {};
     if (const std::optional<StreamFacts> source = properties ? Unpack(*properties) : std::nullopt) {
+        if (source->Channels >= 1 && source->Channels <= 2)
+            (void)ChooseChannels(plan, source->Channels); // a sound with more keeps its own
         EncodeAsSource(plan, *type, *source);
         plan.Tags = source->Tags;
     }

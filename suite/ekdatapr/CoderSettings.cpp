@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <map>
+#include <mutex>
 #include <optional>
 
 namespace ek {
@@ -33,6 +35,24 @@ const char* StoredKey(std::string_view key)
         {"channels", "Channels"}, {"openafter", "OpenAfter"},
     };
     return std::ranges::find(keys, key, &std::pair<std::string_view, const char*>::first)->second;
+}
+
+std::mutex g_unstoredMutex;
+std::map<std::string, std::map<std::string, std::string>> g_unstored; ///< by extension and stored key
+
+std::string ToLower(std::string_view extension)
+{
+    std::string lower(extension);
+    std::ranges::transform(lower, lower.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; });
+    return lower;
+}
+
+/// What was chosen but could not be stored.
+std::map<std::string, std::string> Unstored(std::string_view extension)
+{
+    const std::lock_guard lock(g_unstoredMutex);
+    const auto found = g_unstored.find(ToLower(extension));
+    return found == g_unstored.end() ? std::map<std::string, std::string>() : found->second;
 }
 
 CoderOption SubtypeOption(const CoderType& type)
@@ -99,22 +119,30 @@ bool Accepts(const CoderOption& option, std::string_view value)
 std::vector<CoderOption> OptionsInForce(const CoderType& type, std::string_view extension)
 {
     std::vector<CoderOption> options = DefaultOptions(type);
+    const std::map<std::string, std::string> unstored = Unstored(extension);
     for (CoderOption& option : options) {
-        const std::string stored = GetProductSetting(SectionFor(extension), StoredKey(option.Key), option.Value);
-        if (Accepts(option, stored))
-            option.Value = stored;
+        const auto chosen = unstored.find(StoredKey(option.Key));
+        const std::string value = chosen != unstored.end()
+                                      ? chosen->second
+                                      : GetProductSetting(SectionFor(extension), StoredKey(option.Key), option.Value);
+        if (Accepts(option, value))
+            option.Value = value;
     }
     return options;
 }
 
-bool Store(std::string_view extension, const std::string& key, const std::string& value, std::string& error)
+/// Best effort: what the settings file does not take holds for this process.
+void Store(std::string_view extension, const std::map<std::string, std::string>& values)
 {
-    if (GetProductSetting(SectionFor(extension), StoredKey(key), "") == value)
-        return true;
-    const IoStatus status = SetProductSetting(SectionFor(extension), StoredKey(key), value);
-    if (!status.Ok())
-        error = "The settings cannot be stored: " + status.Text();
-    return status.Ok();
+    std::map<std::string, std::string> changed = Unstored(extension);
+    for (const auto& [key, value] : values) {
+        if (changed.contains(StoredKey(key)) || GetProductSetting(SectionFor(extension), StoredKey(key), "") != value)
+            changed[StoredKey(key)] = value;
+    }
+    if (!changed.empty() && SetProductSettings(SectionFor(extension), changed).Ok())
+        changed.clear();
+    const std::lock_guard lock(g_unstoredMutex);
+    g_unstored[ToLower(extension)] = std::move(changed);
 }
 
 bool Check(const std::vector<CoderOption>& options, const std::string& key, const std::string& value,
@@ -168,8 +196,17 @@ bool EkSetCoderOptions(std::string_view extension, const std::map<std::string, s
         if (!Check(options, key, value, error))
             return false;
     }
-    return std::ranges::all_of(values,
-                               [&](const auto& entry) { return Store(extension, entry.first, entry.second, error); });
+    Store(extension, values);
+    return true;
+}
+
+std::string EkCoderChannelLayout(std::string_view extension)
+{
+    for (const CoderOption& option : EkGetCoderOptions(extension)) {
+        if (option.Key == "channels")
+            return option.Value;
+    }
+    return {};
 }
 
 } // namespace ek

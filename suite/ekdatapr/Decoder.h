@@ -16,7 +16,8 @@ public:
     virtual ~Decoder() = default;
 
     virtual uint32_t BlockAlign() const = 0; ///< bytes of one delivered frame
-    bool Failed() const { return m_source->Failed(); }
+    bool Failed() const { return m_failed || m_source->Failed(); }
+    void Fail() { m_failed = true; } ///< a read could not be done
     /// Frames delivered from `firstFrame` on; fewer than asked only at the end.
     virtual uint64_t Read(uint64_t firstFrame, uint64_t frames, void* buffer) = 0;
 
@@ -24,6 +25,9 @@ protected:
     explicit Decoder(std::unique_ptr<SoundSource> source) : m_source(std::move(source)) {}
 
     std::unique_ptr<SoundSource> m_source;
+
+private:
+    bool m_failed = false;
 };
 
 /// 16-bit frames at the file's own rate and channels.

@@ -36,6 +36,18 @@ HandleTable<Coder>& Coders()
     return table;
 }
 
+/// Headers decide how much memory opening takes, and may lie. Callers get a failure, as of any file that cannot be read
+/// or written.
+template <typename Function>
+auto Guarded(Function function) noexcept -> decltype(function())
+{
+    try {
+        return function();
+    } catch (...) {
+        return decltype(function())();
+    }
+}
+
 WAVEFORMATEXTENSIBLE FormatOf(const SoundSource& source)
 {
     return MakeFileFormat(source.Shape(), source.Rate(), source.Channels(), source.Mask());
@@ -68,34 +80,38 @@ bool IsDeliverable(const WAVEFORMATEXTENSIBLE& format)
 
 bool EkGetStreamInfo(const std::filesystem::path& path, StreamInfo& info, StreamProperties& properties)
 {
-    const std::unique_ptr<SoundSource> source = info.Size == sizeof info ? SoundSource::Open(path) : nullptr;
-    if (!source)
-        return false;
-    info.Channels = source->Channels();
-    info.Rate = source->Rate();
-    info.BitsPerSample = source->Shape().Bits;
-    info.Frames = source->Frames();
-    const std::string name = FormatName(source->File().Info().format);
-    info.FormatName[name.copy(info.FormatName, sizeof info.FormatName - 1)] = '\0';
-    properties = Pack(ReadFacts(*source));
-    return true;
+    return Guarded([&]() -> bool {
+        const std::unique_ptr<SoundSource> source = info.Size == sizeof info ? SoundSource::Open(path) : nullptr;
+        if (!source)
+            return false;
+        info.Channels = source->Channels();
+        info.Rate = source->Rate();
+        info.BitsPerSample = source->Shape().Bits;
+        info.Frames = source->Frames();
+        const std::string name = FormatName(source->File().Info().format);
+        info.FormatName[name.copy(info.FormatName, sizeof info.FormatName - 1)] = '\0';
+        properties = Pack(ReadFacts(*source));
+        return true;
+    });
 }
 
 DecoderHandle EkOpenFile(const std::filesystem::path& path, WAVEFORMATEXTENSIBLE& format, uint64_t& frames, bool native)
 {
-    if (!native && !IsDeliverable(format))
-        return 0;
-    std::unique_ptr<SoundSource> source = SoundSource::Open(path);
-    if (!source)
-        return 0;
-    if (native)
-        format = FormatOf(*source);
-    const uint64_t length = ConvertedFrames(source->Frames(), source->Rate(), format.nSamplesPerSec);
-    const DecoderHandle decoder =
-        Decoders().Add(native ? OpenNative(std::move(source)) : OpenAs(std::move(source), format));
-    if (decoder != 0)
-        frames = length;
-    return decoder;
+    return Guarded([&]() -> DecoderHandle {
+        if (!native && !IsDeliverable(format))
+            return 0;
+        std::unique_ptr<SoundSource> source = SoundSource::Open(path);
+        if (!source)
+            return 0;
+        if (native)
+            format = FormatOf(*source);
+        const uint64_t length = ConvertedFrames(source->Frames(), source->Rate(), format.nSamplesPerSec);
+        const DecoderHandle decoder =
+            Decoders().Add(native ? OpenNative(std::move(source)) : OpenAs(std::move(source), format));
+        if (decoder != 0)
+            frames = length;
+        return decoder;
+    });
 }
 
 uint64_t EkGetFileData(DecoderHandle decoder, uint64_t firstFrame, uint64_t frames, void* buffer, uint64_t bufferBytes)
@@ -103,7 +119,12 @@ uint64_t EkGetFileData(DecoderHandle decoder, uint64_t firstFrame, uint64_t fram
     Decoder* found = Decoders().Find(decoder);
     if (!found)
         return 0;
-    return found->Read(firstFrame, std::min(frames, bufferBytes / found->BlockAlign()), buffer);
+    try {
+        return found->Read(firstFrame, std::min(frames, bufferBytes / found->BlockAlign()), buffer);
+    } catch (...) {
+        found->Fail();
+        return 0;
+    }
 }
 
 bool EkDecoderFailed(DecoderHandle decoder)
@@ -120,32 +141,40 @@ void EkCloseFile(DecoderHandle decoder)
 CoderHandle EkCoderCreateFile(const std::filesystem::path& target, const WAVEFORMATEXTENSIBLE& format,
                               const StreamProperties* properties, uint8_t* openAfter, const uint64_t& frames)
 {
-    std::optional<CoderPlan> plan = MakeCoderPlan(target, format, properties, frames);
-    if (!plan)
-        return 0;
-    if (openAfter)
-        *openAfter = plan->OpenAfter ? 1 : 0;
-    return Coders().Add(Coder::Create(target, format, std::move(*plan)));
+    return Guarded([&]() -> CoderHandle {
+        std::optional<CoderPlan> plan = MakeCoderPlan(target, format, properties, frames);
+        if (!plan)
+            return 0;
+        if (openAfter)
+            *openAfter = plan->OpenAfter ? 1 : 0;
+        return Coders().Add(Coder::Create(target, format, std::move(*plan)));
+    });
 }
 
 void EkCoderSetTags(CoderHandle coder, const StreamProperties& source)
 {
-    if (Coder* found = Coders().Find(coder))
-        found->SetTags(EkGetTags(source));
+    return Guarded([&]() -> void {
+        if (Coder* found = Coders().Find(coder))
+            found->SetTags(EkGetTags(source));
+    });
 }
 
 bool EkCoderAddFileData(CoderHandle coder, uint64_t frames, const void* data, uint64_t bytes)
 {
-    Coder* found = Coders().Find(coder);
-    if (!found || bytes != frames * found->BlockAlign())
-        return false;
-    return found->Add(static_cast<const int16_t*>(data), frames);
+    return Guarded([&]() -> bool {
+        Coder* found = Coders().Find(coder);
+        if (!found || bytes != frames * found->BlockAlign())
+            return false;
+        return found->Add(static_cast<const int16_t*>(data), frames);
+    });
 }
 
 bool EkCoderCloseFile(CoderHandle coder)
 {
-    const std::unique_ptr<Coder> taken = Coders().Take(coder);
-    return taken && taken->Finish();
+    return Guarded([&]() -> bool {
+        const std::unique_ptr<Coder> taken = Coders().Take(coder);
+        return taken && taken->Finish();
+    });
 }
 
 const char* ChannelLayoutName(uint32_t channels)

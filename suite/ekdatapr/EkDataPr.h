@@ -89,10 +89,13 @@ struct CoderOption {
 /// The options of the coder for an extension (without dot, any case), with the values in force. Empty when there is no
 /// such coder.
 std::vector<CoderOption> EkGetCoderOptions(std::string_view extension);
-/// Stores values for the next file made without properties. False, and nothing stored, when a key or a value is
-/// not the coder's, and when the settings cannot be written; `error` then says why, for a person.
+/// Keeps values for the next files made without properties, all at once. Where the settings cannot be written the
+/// values hold for this process. False, and nothing kept, when a key or a value is not the coder's; `error` then says
+/// why, for a person.
 bool EkSetCoderOptions(std::string_view extension, const std::map<std::string, std::string>& values,
                        std::string& error);
+/// The channel layout in force for an extension; empty when there is no such coder.
+std::string EkCoderChannelLayout(std::string_view extension);
 
 /// The text tags that the properties hold: title, artist, album, track, date, genre, comment, copyright.
 std::map<std::string, std::string> EkGetTags(const StreamProperties& properties);

@@ -2,10 +2,7 @@
 #include "ekdatapr/SoundFile.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
-#include <cstring>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -47,12 +44,8 @@ sf_count_t StreamRead(void* buffer, sf_count_t bytes, void* user)
 
 sf_count_t StreamWrite(const void* data, sf_count_t bytes, void* user)
 {
-    return bytes < 0 ? 0 : static_cast<sf_count_t>(Stream(user).Write(data, static_cast<uint64_t>(bytes)));
+    return bytes < 0 ? 0 : static_cast<sf_count_t>(static_cast<SoundFile*>(user)->Write(data, bytes));
 }
-
-// The size of a RIFF file that was never closed, as the library knows it, and its place in the file.
-constexpr uint32_t UnfinishedRiffSize = 8;
-constexpr uint64_t RiffSizePosition = 4;
 
 } // namespace
 
@@ -70,40 +63,34 @@ bool SoundFile::OpenForReading(const std::filesystem::path& path)
         return false;
     if (!Attach(SFM_READ))
         return false;
-    if (m_info.frames == 0 && IsUnfinishedRiff()) {
+    if (const auto patch = m_info.frames == 0 ? PatchUnfinished(m_stream) : std::nullopt) {
         sf_close(std::exchange(m_handle, nullptr));
         m_stream.Seek(0);
         m_info = {};
-        m_unfinished = true;
+        m_patch = *patch;
         if (!Attach(SFM_READ))
             return false;
     }
     return m_stream.Error().Ok();
 }
 
-// The sizes in the header of a recording that was interrupted say nothing, but the sound is there.
-bool SoundFile::IsUnfinishedRiff() const
-{
-    std::array<char, 12> header{};
-    if (!m_stream.Peek(header.data(), header.size(), 0))
-        return false;
-    const std::string_view marks(header.data(), header.size());
-    uint32_t size = 0;
-    std::memcpy(&size, header.data() + RiffSizePosition, sizeof size);
-    const uint64_t told = uint64_t{size} + RiffSizePosition + sizeof size;
-    const bool isTrue = told == m_stream.Length() || told == m_stream.Length() + 1; // the last byte is padding
-    return marks.starts_with("RIFF") && marks.ends_with("WAVE") && !isTrue;
-}
-
 uint64_t SoundFile::Read(void* buffer, uint64_t bytes)
 {
     const uint64_t start = m_stream.Position();
     const uint64_t done = m_stream.Read(buffer, bytes);
-    constexpr uint64_t end = RiffSizePosition + sizeof UnfinishedRiffSize;
-    for (uint64_t at = std::max(start, RiffSizePosition); m_unfinished && at < std::min(start + done, end); ++at)
-        static_cast<uint8_t*>(buffer)[at - start] =
-            static_cast<uint8_t>(UnfinishedRiffSize >> (8 * (at - RiffSizePosition)));
+    const uint64_t patchEnd = m_patch.Position + m_patch.Bytes.size();
+    for (uint64_t at = std::max(start, m_patch.Position); at < std::min(start + done, patchEnd); ++at)
+        static_cast<char*>(buffer)[at - start] = m_patch.Bytes[at - m_patch.Position];
     return done;
+}
+
+uint64_t SoundFile::Write(const void* data, uint64_t bytes)
+{
+    const bool isLastHeader = m_frames && m_stream.Position() == 0;
+    if (!isLastHeader || (m_info.format & SF_FORMAT_SUBMASK) != SF_FORMAT_IMA_ADPCM)
+        return m_stream.Write(data, bytes);
+    const std::string header = WithFactFrames(std::string(static_cast<const char*>(data), bytes), *m_frames);
+    return m_stream.Write(header.data(), header.size());
 }
 
 bool SoundFile::Create(const std::filesystem::path& path, const SF_INFO& info, uint64_t maxBytes)
@@ -125,8 +112,9 @@ bool SoundFile::Attach(int mode)
     return m_handle != nullptr;
 }
 
-bool SoundFile::Finish()
+bool SoundFile::Finish(uint64_t frames)
 {
+    m_frames = frames;
     const bool completed = sf_close(std::exchange(m_handle, nullptr)) == 0;
     return m_stream.Finish().Ok() && completed;
 }

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ekdatapr/Container.h"
 #include "ekdatapr/FileStream.h"
 
 #include <filesystem>
+#include <optional>
 #include <sndfile.h>
 
 namespace ek {
@@ -30,17 +32,20 @@ public:
     /// For the library: the bytes at the stream's position, as far as they can be trusted.
     uint64_t Read(void* buffer, uint64_t bytes);
 
-    /// Completes, syncs and closes a new file: false when any of its bytes may be missing.
-    bool Finish();
+    /// For the library: the bytes written.
+    uint64_t Write(const void* data, uint64_t bytes);
+
+    /// Completes, syncs and closes a new file of so many frames: false when any of its bytes may be missing.
+    bool Finish(uint64_t frames);
 
 private:
     bool Attach(int mode);
-    bool IsUnfinishedRiff() const;
 
     FileStream m_stream;
     SNDFILE* m_handle = nullptr;
     SF_INFO m_info{};
-    bool m_unfinished = false; ///< the file's header was written before its sound
+    std::optional<uint64_t> m_frames; ///< known once the file is being finished; the library counts whole blocks
+    HeaderPatch m_patch;              ///< empty unless the file's header was written before its sound
 };
 
 } // namespace ek

@@ -33,13 +33,15 @@ std::unique_ptr<SoundSource> SoundSource::Open(const std::filesystem::path& path
         return nullptr;
     source->m_shape = ShapeOf(source->m_file.Info().format);
     source->m_order = ReadChannelOrder(source->m_file.Handle(), source->m_file.Info());
+    if (const auto frames = FramesInBlocks(source->m_file.Stream(), source->m_file.Info().format))
+        source->m_end = *frames;
     return source;
 }
 
 uint64_t SoundSource::Frames() const
 {
     const sf_count_t frames = m_file.Info().frames;
-    return frames == SF_COUNT_MAX ? 0 : Count(frames);
+    return frames == SF_COUNT_MAX ? 0 : std::min(Count(frames), m_end);
 }
 
 bool SoundSource::Seek(uint64_t frame)
@@ -74,6 +76,7 @@ bool SoundSource::Skip(uint64_t frames)
 
 uint64_t SoundSource::ReadShorts(int16_t* out, uint64_t frames)
 {
+    frames = std::min(frames, m_end - m_position);
     if (m_shape.FitsShort) {
         const uint64_t done = Count(sf_readf_short(m_file.Handle(), out, static_cast<sf_count_t>(frames)));
         Reorder(out, done, m_order.From, OrderDirection::FileToFrame);
@@ -95,6 +98,7 @@ uint64_t SoundSource::ReadShorts(int16_t* out, uint64_t frames)
 
 uint64_t SoundSource::ReadDoubles(double* out, uint64_t frames)
 {
+    frames = std::min(frames, m_end - m_position);
     const uint64_t done = Count(sf_readf_double(m_file.Handle(), out, static_cast<sf_count_t>(frames)));
     Reorder(out, done, m_order.From, OrderDirection::FileToFrame);
     ClampToFullScale(out, done * Channels());

@@ -42,6 +42,7 @@ private:
     SampleShape m_shape;
     ChannelOrder m_order;
     uint64_t m_position = 0;
+    uint64_t m_end = ~uint64_t{0}; ///< what can be decoded beyond it only fills a block
     std::vector<double> m_block;
 };
 

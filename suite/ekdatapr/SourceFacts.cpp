@@ -2,6 +2,7 @@
 #include "ekdatapr/SourceFacts.h"
 
 #include "ekdatapr/CoderTypes.h"
+#include "ekdatapr/Container.h"
 
 #include <algorithm>
 #include <array>
@@ -30,13 +31,14 @@ std::optional<uint32_t> NumberAfter(std::string_view text, std::string_view befo
     return number;
 }
 
-/// kbit/s over the whole file; 0 when its length is not known.
+/// kbit/s over the whole file less its tags, which may hold pictures; 0 when its length is not known.
 double MeanBitRate(const SoundSource& source)
 {
     if (source.Frames() == 0)
         return 0;
     const double seconds = static_cast<double>(source.Frames()) / source.Rate();
-    return static_cast<double>(source.File().Stream().Length()) * 8 / 1000 / seconds;
+    const FileStream& file = source.File().Stream();
+    return static_cast<double>(file.Length() - TagBytes(file)) * 8 / 1000 / seconds;
 }
 
 /// The bit rate that the encoder of a Vorbis file aimed at, which is in the first packet of the stream. What it came to
@@ -90,6 +92,7 @@ StreamFacts ReadFacts(const SoundSource& source)
 {
     StreamFacts facts;
     facts.SfFormat = source.File().Info().format;
+    facts.Channels = source.Channels();
     facts.Tags = ReadTags(source.File().Handle());
     const char* software = sf_get_string(source.File().Handle(), SF_STR_SOFTWARE);
     const std::string_view encoder = software ? software : "";

@@ -78,7 +78,8 @@ StreamProperties Pack(const StreamFacts& facts)
     PutNumber(&block[8], static_cast<uint32_t>(facts.SfFormat), 4);
     const bool hasQuality = facts.Quality >= 0;
     PutNumber(&block[12], hasQuality ? static_cast<uint32_t>(std::lround(facts.Quality * QualityUnit)) : NoQuality, 4);
-    PutNumber(&block[16], facts.BitRate, 4);
+    PutNumber(&block[16], facts.BitRate, 2);
+    PutNumber(&block[18], facts.Channels, 2);
     PackTags(facts.Tags, block);
     return properties;
 }
@@ -92,7 +93,8 @@ std::optional<StreamFacts> Unpack(const StreamProperties& properties)
     facts.SfFormat = static_cast<int>(GetNumber(&block[8], 4));
     const uint32_t quality = GetNumber(&block[12], 4);
     facts.Quality = quality == NoQuality ? -1 : std::min(quality / QualityUnit, 1.0);
-    facts.BitRate = GetNumber(&block[16], 4);
+    facts.BitRate = GetNumber(&block[16], 2);
+    facts.Channels = GetNumber(&block[18], 2);
     facts.Tags = UnpackTags(block);
     return facts;
 }

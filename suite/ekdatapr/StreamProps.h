@@ -11,9 +11,10 @@ namespace ek {
 
 /// How a file was encoded and what its tags say.
 struct StreamFacts {
-    int SfFormat = 0;     ///< format word of the sound library
-    double Quality = -1;  ///< 0 to 1; negative when it is unknown or has no meaning
-    uint32_t BitRate = 0; ///< kbit/s; 0 when it is unknown or has no meaning
+    int SfFormat = 0;      ///< format word of the sound library
+    double Quality = -1;   ///< 0 to 1; negative when it is unknown or has no meaning
+    uint32_t BitRate = 0;  ///< kbit/s; 0 when it is unknown or has no meaning
+    uint32_t Channels = 0; ///< 0 when it is unknown
     TagMap Tags;
     bool operator==(const StreamFacts&) const = default;
 };
@@ -23,7 +24,8 @@ struct StreamFacts {
 //   4  u32      version, 1
 //   8  u32      format word
 //  12  u32      quality in millionths, 0xFFFFFFFF for none
-//  16  u32      bit rate
+//  16  u16      bit rate
+//  18  u16      channels; 0 in blocks that are older than this field
 //  20  tags, each: u8 index in TagNames plus 1, u16 length, text; a zero index ends them
 
 /// Tags that do not fit are cut at a character, the last of TagNames first.

@@ -39,8 +39,4 @@ TagMap ReadTags(SNDFILE* file);
 /// Before any sound; what the container cannot hold is cut or left out.
 void WriteTags(SNDFILE* file, const TagMap& tags);
 
-/// An ID3 tag (version 2.4) with the tags and the name of the encoder, to stand in front of an MPEG stream. Empty when
-/// there is nothing to say.
-std::string MakeId3Tag(const TagMap& tags, std::string_view encoder);
-
 } // namespace ek

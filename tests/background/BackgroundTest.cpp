@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "background/WaveDataProcessor.h"
+#include "debugmanager/DebugManager.h"
+#include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
+#include <new>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -142,23 +145,47 @@ TEST(BackgroundTest, WorkRunsOnItsOwnThreadBehindAProgressThatIsUp)
         EXPECT_EQ(progress.Caption(), "Saving");
         EXPECT_TRUE(progress.IsCancellable());
         EXPECT_FALSE(progress.IsCancelled());
+        EXPECT_TRUE(IsWorkRunning());
+        presenter.During = [](CProgressDlg&) {};
+        RunInBackground("", false, [](CProgressDlg&) { return WorkResult::Finished; });
+        EXPECT_TRUE(IsWorkRunning()) << "the inner work has ended, not the outer";
     };
+    EXPECT_FALSE(IsWorkRunning());
     const WorkResult result = RunInBackground("Saving", true, [&](CProgressDlg& progress) {
         progress.WaitStarted();
         isUp = true;
         worker = std::this_thread::get_id();
         return WorkResult::Cancelled;
     });
+    EXPECT_FALSE(IsWorkRunning());
     EXPECT_EQ(result, WorkResult::Cancelled);
     EXPECT_TRUE(isUp);
     EXPECT_NE(worker, std::this_thread::get_id());
     EXPECT_TRUE(presenter.WasNotifiedBeforeEnd) << "the notification has the result and comes before the end";
 }
 
-TEST(BackgroundTest, WorkThatThrowsHasFailed)
+TEST(BackgroundTest, WorkThatThrowsHasFailedAndTheLogSaysWhy)
 {
-    const auto work = [](CProgressDlg&) -> WorkResult { throw std::runtime_error("no"); };
-    EXPECT_EQ(RunInBackground("", false, work), WorkResult::Failed);
+    const TestFolder folder;
+    enDebugManager().CollectLines();
+    EXPECT_EQ(RunInBackground("Saving", false, [](CProgressDlg&) -> WorkResult { throw std::runtime_error("no"); }),
+              WorkResult::Failed);
+    EXPECT_EQ(RunInBackground("", false, [](CProgressDlg&) -> WorkResult { throw 5; }), WorkResult::Failed);
+    const std::vector<CDebugManager::Line> lines = enDebugManager().TakeLines();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0].Text, "Error: Work \"Saving\" failed: no");
+    EXPECT_EQ(lines[0].Level, LogError);
+}
+
+TEST(BackgroundTest, WorkThatCannotBeShownIsWaitedFor)
+{
+    struct ThrowingPresenter : ProgressPresenter {
+        WorkResult Show(CProgressDlg&) override { throw std::bad_alloc(); }
+    } presenter;
+    const TestFolder folder;
+    SetProgressPresenter(&presenter);
+    EXPECT_EQ(RunInBackground("", true, [](CProgressDlg&) { return WorkResult::Finished; }), WorkResult::Finished);
+    SetProgressPresenter(nullptr);
 }
 
 TEST(BackgroundTest, BeginningClearsAnOldWishToCancel)
@@ -171,7 +198,6 @@ TEST(BackgroundTest, BeginningClearsAnOldWishToCancel)
         progress.Finish(progress.IsCancelled() ? WorkResult::Cancelled : WorkResult::Finished);
     });
     EXPECT_EQ(progress.DoModal(), WorkResult::Finished);
-    EXPECT_TRUE(progress.WaitFinished());
     worker.join();
 }
 

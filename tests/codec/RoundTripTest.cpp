@@ -1,18 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CodecFixture.h"
 
+#include "ekdatapr/ChannelMatrix.h"
 #include "ekdatapr/StreamProps.h"
 #include "servicefuncs/Channels.h"
+#include "support/Signals.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <fstream>
 #include <sndfile.h>
 
 namespace ek {
 
 namespace {
 
-class RoundTrip : public CodecFixture {};
+class RoundTrip : public CodecFixture {
+protected:
+    using CodecFixture::Write;
+    bool Write(const std::string& name, const Sound& sound, uint32_t mask);
+};
 
 const std::vector<std::string> LosslessNames = {"a.wav", "a.rf64", "a.w64", "a.aiff", "a.aif",
                                                 "a.au",  "a.snd",  "a.caf", "a.flac"};
@@ -64,7 +72,10 @@ TEST_F(RoundTrip, LossyCodersKeepLengthLevelAndTheOrderOfChannels)
 {
     for (const std::string& name : LossyNames) {
         const uint32_t maxChannels = name == "a.mp3" ? 2 : MaxChannels;
-        for (uint32_t channels = 1; channels <= maxChannels; ++channels) {
+        // Layouts that Ogg does not have are mixed.
+        for (const uint32_t channels : {1u, 2u, 4u, 6u, 7u, 8u}) {
+            if (channels > maxChannels)
+                continue;
             const Sound sound = MakeTones(48000, channels, 24000);
             Choose(name, channels);
             ASSERT_TRUE(Write(name, sound)) << name << channels;
@@ -82,15 +93,20 @@ TEST_F(RoundTrip, LossyCodersKeepLengthLevelAndTheOrderOfChannels)
     }
 }
 
-TEST_F(RoundTrip, LogarithmicAndDifferenceCodingsKeepTheLevel)
+TEST_F(RoundTrip, LogarithmicAndDifferenceCodingsKeepTheLevelAndTheLength)
 {
-    const Sound sound = MakeTones(8000, 1, 8000);
-    for (const std::string subtype : {"ulaw", "alaw", "ima_adpcm", "ms_adpcm", "gsm610"}) {
-        Choose("a.wav", 1, {{"subtype", subtype}});
-        ASSERT_TRUE(Write("a.wav", sound)) << subtype;
-        EXPECT_EQ(FormatOf("a.wav").wBitsPerSample, 16) << subtype;
-        EXPECT_NEAR(AmplitudeOf(Read("a.wav").Channel(0), 200, 8000), 0.5, 0.03) << subtype;
-        std::filesystem::remove(Path("a.wav"));
+    for (const uint64_t frames : {1000, 8000}) {
+        const Sound sound = MakeTones(8000, 1, frames);
+        for (const std::string name : {"a.wav", "a.w64"}) {
+            for (const std::string subtype : {"ulaw", "alaw", "ima_adpcm", "ms_adpcm", "gsm610"}) {
+                Choose(name, 1, {{"subtype", subtype}});
+                ASSERT_TRUE(Write(name, sound)) << name << subtype;
+                EXPECT_EQ(FormatOf(name).wBitsPerSample, 16) << name << subtype;
+                EXPECT_EQ(Read(name).Frames(), frames) << name << subtype;
+                EXPECT_NEAR(AmplitudeOf(Read(name).Channel(0), 200, 8000), 0.5, 0.03) << name << subtype;
+                std::filesystem::remove(Path(name));
+            }
+        }
     }
 }
 
@@ -112,6 +128,28 @@ TEST_F(RoundTrip, RatesThatACoderDoesNotKnowBecomeOnesThatItKnows)
         EXPECT_EQ(back.Frames(), static_cast<uint64_t>(std::floor(frames + 0.5))) << test.Name << test.Rate;
         EXPECT_NEAR(AmplitudeOf(back.Channel(1), 300, back.Rate), 0.5, 0.03) << test.Name << test.Rate;
         std::filesystem::remove(Path(test.Name));
+    }
+}
+
+TEST_F(RoundTrip, Mp3FilesOfEveryBitRateHaveTheLengthAndTheStartOfTheSound)
+{
+    for (const std::string rate : {"32", "40", "48", "56", "64", "80", "96", "128", "320"}) {
+        for (const uint32_t sampleRate : {8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000}) {
+            for (const uint32_t channels : {1, 2}) {
+                // Silence, then a tone.
+                Sound sound = MakeTones(sampleRate, channels, sampleRate);
+                std::fill_n(sound.Values.begin(), sound.Values.size() / 2, int16_t{0});
+                Choose("a.mp3", channels, {{"bitrate", rate}});
+                ASSERT_TRUE(Write("a.mp3", sound));
+                const Sound back = Read("a.mp3");
+                EXPECT_EQ(back.Frames(), sound.Frames()) << rate << ' ' << sampleRate << ' ' << channels;
+                const auto start = std::ranges::find_if(back.Values, [](int value) { return std::abs(value) > 3000; });
+                EXPECT_NEAR(static_cast<double>(start - back.Values.begin()) / channels, sampleRate / 2.0,
+                            sampleRate / 200.0 + 20)
+                    << rate << ' ' << sampleRate << ' ' << channels;
+                std::filesystem::remove(Path("a.mp3"));
+            }
+        }
     }
 }
 
@@ -150,19 +188,59 @@ TEST_F(RoundTrip, MonoAndStereoBecomeEachOtherAndOtherLayoutsAreRefused)
     EXPECT_FALSE(std::filesystem::exists(Path("c.wav")));
 }
 
+/// With the settings for as many channels, whose speakers are those of the mask.
+bool RoundTrip::Write(const std::string& name, const Sound& sound, uint32_t mask)
+{
+    const WAVEFORMATEXTENSIBLE format = MakePcm16Format(sound.Rate, sound.Channels, mask);
+    Choose(name, sound.Channels);
+    const CoderHandle coder = EkCoderCreateFile(Path(name), format, nullptr, nullptr, sound.Frames());
+    const bool added = EkCoderAddFileData(coder, sound.Frames(), sound.Values.data(), sound.Values.size() * 2);
+    return EkCoderCloseFile(coder) && added;
+}
+
 TEST_F(RoundTrip, SpeakersOfALayoutSurviveWhereTheContainerHasThem)
 {
-    constexpr uint32_t sideSurround = 0x60F;
-    constexpr uint32_t backSurround = 0x3F;
-    const Sound sound = MakeNoiseSound(6, 50);
-    for (const std::string name : {"a.wav", "a.rf64", "a.aiff", "a.caf", "a.flac", "a.ogg"}) {
-        const bool anyLayout = name == "a.wav" || name == "a.rf64";
-        const WAVEFORMATEXTENSIBLE format = MakePcm16Format(44100, 6, anyLayout ? sideSurround : backSurround);
-        Choose(name, 6);
-        const CoderHandle coder = EkCoderCreateFile(Path(name), format, nullptr, nullptr, 50);
-        ASSERT_TRUE(EkCoderAddFileData(coder, 50, sound.Values.data(), sound.Values.size() * 2)) << name;
-        ASSERT_TRUE(EkCoderCloseFile(coder)) << name;
-        EXPECT_EQ(FormatOf(name), format) << name;
+    const std::vector<std::string> anyLayout = {"a.wav", "a.rf64", "a.flac"};
+    const std::vector<std::string> usualSurround = {"a.aiff", "a.caf", "a.ogg"};
+    for (const uint32_t mask : {0x7, 0xB, 0x33, 0x107, 0x37, 0x10F, 0x3F, 0x60F, 0x70F, 0x63F}) {
+        for (const std::string& name : mask == 0x3F ? usualSurround : anyLayout) {
+            const auto channels = static_cast<uint32_t>(std::popcount(mask));
+            const Sound sound = MakeNoiseSound(channels, 50);
+            ASSERT_TRUE(Write(name, sound, mask));
+            EXPECT_EQ(FormatOf(name), MakePcm16Format(44100, channels, mask)) << name;
+            if (name != "a.ogg") {
+                EXPECT_EQ(Read(name), sound) << name;
+            }
+            std::filesystem::remove(Path(name));
+        }
+    }
+}
+
+TEST_F(RoundTrip, OggFilesHaveTheSpeakersOfTheirKindAndNoneSoundsFromAnother)
+{
+    struct Case {
+        uint32_t Mask;
+        uint32_t FileMask;
+    };
+    for (const Case& test : {Case{0xB, 0x7}, {0x107, 0x33}, {0x10F, 0x37}, {0x60F, 0x3F}, {0x7, 0x7}}) {
+        const auto channels = static_cast<uint32_t>(std::popcount(test.Mask));
+        const Sound sound = MakeTones(48000, channels, 24000);
+        for (const std::string name : {"a.ogg", "a.opus"}) {
+            ASSERT_TRUE(Write(name, sound, test.Mask)) << name;
+            EXPECT_EQ(FormatOf(name).dwChannelMask, test.FileMask) << name;
+            const ChannelMatrix mix = MakeChannelMatrix(channels, test.Mask, channels, test.FileMask);
+            const Sound back = Read(name);
+            for (uint32_t output = 0; output < channels; ++output) {
+                if (GetChannelByIndex(FormatOf(name), output) == ChannelLowFrequency)
+                    continue; // these coders cut it off at about 120 Hz
+                for (uint32_t input = 0; input < channels; ++input) {
+                    EXPECT_NEAR(AmplitudeOf(back.Channel(output), 200 + 100 * input, 48000),
+                                0.5 * mix.Gain[output][input], 0.06)
+                        << name << test.Mask << ' ' << output << input;
+                }
+            }
+            std::filesystem::remove(Path(name));
+        }
     }
 }
 
@@ -175,13 +253,10 @@ TEST_F(RoundTrip, TextTagsSurviveWhereTheContainerHasThem)
     facts.Tags["track"] = "7";
     facts.Tags["comment"] = std::string(1900, 'x') + "é";
     const StreamProperties properties = Pack(facts);
-    for (const std::string name : {"a.wav", "a.rf64", "a.flac", "a.caf", "a.ogg", "a.opus", "a.mp3"}) {
+    for (const std::string name : {"a.wav", "a.rf64", "a.aiff", "a.flac", "a.caf", "a.ogg", "a.opus", "a.mp3"}) {
         ASSERT_TRUE(Write(name, MakeTones(48000, 2, 3000), nullptr, &properties)) << name;
         EXPECT_EQ(EkGetTags(PropertiesOf(name)), facts.Tags) << name;
     }
-    ASSERT_TRUE(Write("a.aiff", MakeNoiseSound(2, 99), nullptr, &properties));
-    for (const std::string tag : {"title", "artist", "comment", "copyright"})
-        EXPECT_EQ(EkGetTags(PropertiesOf("a.aiff"))[tag], facts.Tags[tag]) << tag;
     ASSERT_TRUE(Write("a.w64", MakeNoiseSound(2, 99), nullptr, &properties));
     EXPECT_TRUE(EkGetTags(PropertiesOf("a.w64")).empty());
 }
@@ -212,6 +287,21 @@ TEST_F(RoundTrip, AFileSavedWithItsOwnPropertiesIsEncodedAsBefore)
     }
 }
 
+TEST_F(RoundTrip, MonoAndStereoFilesStayWhatTheyAreWhenTheyAreSavedAgain)
+{
+    const Sound mono = MakeNoiseSound(1, 500);
+    Choose("a.wav", 2);
+    ASSERT_TRUE(Write("a.wav", mono));
+    const StreamProperties stereo = PropertiesOf("a.wav");
+    Choose("a.wav", 1);
+    ASSERT_TRUE(Write("b.wav", mono, &stereo));
+    EXPECT_EQ(Read("b.wav"), Read("a.wav"));
+    // Sound of other layouts cannot become stereo, and is not lost for it.
+    const Sound surround = MakeNoiseSound(6, 500);
+    ASSERT_TRUE(Write("c.wav", surround, &stereo));
+    EXPECT_EQ(Read("c.wav"), surround);
+}
+
 TEST_F(RoundTrip, LossyFilesOfOthersAreRepeatedAtAboutTheirRate)
 {
     const Sound sound = MakeNoiseSound(2, 44100);
@@ -224,6 +314,25 @@ TEST_F(RoundTrip, LossyFilesOfOthersAreRepeatedAtAboutTheirRate)
     const auto bytes = static_cast<double>(std::filesystem::file_size(Path("a.ogg")));
     EXPECT_GE(static_cast<double>(std::filesystem::file_size(Path("b.ogg"))), 0.95 * bytes);
     EXPECT_LE(static_cast<double>(std::filesystem::file_size(Path("b.ogg"))), 1.4 * bytes);
+}
+
+TEST_F(RoundTrip, PicturesDoNotCountAsBitRate)
+{
+    Choose("a.mp3", 2, {{"bitrate", "96"}});
+    ASSERT_TRUE(Write("a.mp3", MakeNoiseSound(2, 44100)));
+    const std::vector<char> sound = ReadBytes(Path("a.mp3"));
+    // Another program's tag, with a picture of 131,072 bytes, in place of the one that names the rate.
+    std::string tag("ID3\x04\0\0\0\x08\0\x0A"
+                    "APIC\0\x08\0\0\0\0",
+                    20);
+    tag.append(131072, 'p');
+    const auto rate = std::ranges::search(sound, std::string_view("\xFF\xFB"));
+    ASSERT_FALSE(rate.empty());
+    std::ofstream file(Path("b.mp3"), std::ios::binary);
+    file << tag;
+    file.write(&*rate.begin(), sound.end() - rate.begin());
+    file.close();
+    EXPECT_EQ(Unpack(PropertiesOf("b.mp3"))->BitRate, 96u);
 }
 
 TEST_F(RoundTrip, OnlyALengthBeyondFourGibibytesMakesAWavAnRf64)

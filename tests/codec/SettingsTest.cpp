@@ -5,8 +5,10 @@
 #include "platform/ProductSettings.h"
 #include "platform/Text.h"
 #include "servicefuncs/Channels.h"
+#include "support/FaultyFileCalls.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <random>
 
 namespace ek {
@@ -59,6 +61,26 @@ TEST_F(Settings, ValuesThatACoderDoesNotHaveAreRefusedAndNothingIsStored)
         EXPECT_FALSE(error.empty());
         EXPECT_EQ(GetProductSetting("Providers\\" + extension, "Channels", "untouched"), "untouched") << extension;
     }
+}
+
+TEST_F(Settings, WhatCannotBeStoredHoldsForTheProcess)
+{
+    FaultyFileCalls calls(".ini");
+    calls.FailFrom(1, ENOSPC);
+    std::string error;
+    EXPECT_TRUE(EkSetCoderOptions("CAF", {{"channels", "Mono"}, {"subtype", "float"}}, error));
+    EXPECT_TRUE(calls.HasFailed());
+    EXPECT_TRUE(EkSetCoderOptions("caf", {{"openafter", "1"}}, error));
+    EXPECT_FALSE(EkSetCoderOptions("caf", {{"openafter", "0"}, {"subtype", "vorbis"}}, error));
+    EXPECT_EQ(EkCoderChannelLayout("caf"), "Mono");
+    EXPECT_EQ(Value("caf", "subtype"), "float");
+    EXPECT_EQ(Value("caf", "openafter"), "1");
+    EXPECT_EQ(EkCoderChannelLayout("txt"), "");
+
+    calls.StopFailing(); // the next choice takes the earlier ones along
+    EXPECT_TRUE(EkSetCoderOptions("caf", {{"channels", "Stereo"}}, error));
+    EXPECT_EQ(GetProductSetting("Providers\\caf", "Subtype", ""), "float");
+    EXPECT_EQ(GetProductSetting("Providers\\caf", "Channels", ""), "Stereo");
 }
 
 TEST_F(Settings, TheWishToOpenTheNewFileIsPassedOn)
@@ -130,7 +152,11 @@ TEST_F(Settings, FiltersArePairsOfADescriptionAndPatterns)
 
 TEST(StreamProps, FactsComeBackAsTheyWent)
 {
-    StreamFacts facts{.SfFormat = 0x10002, .Quality = 0.93, .BitRate = 320, .Tags = {{"title", "é"}, {"comment", "x"}}};
+    StreamFacts facts{.SfFormat = 0x10002,
+                      .Quality = 0.93,
+                      .BitRate = 320,
+                      .Channels = 2,
+                      .Tags = {{"title", "é"}, {"comment", "x"}}};
     EXPECT_EQ(Unpack(Pack(facts)), facts);
     facts.Quality = -1;
     facts.Tags.clear();

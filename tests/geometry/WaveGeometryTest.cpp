@@ -40,17 +40,7 @@ TEST(WaveGeometry, ZoomFullTakesTheNextPowerOfTwo)
     const struct {
         uint64_t Length;
         uint32_t FramesPerPixel;
-    } cases[] = {{1, 1},
-                 {999, 1},
-                 {1000, 2},
-                 {1999, 2},
-                 {2000, 4},
-                 {3999, 4},
-                 {4000, 8},
-                 {7999, 8},
-                 {8000, 16},
-                 {100'000, 128},
-                 {1'587'600'000, 2'097'152}};
+    } cases[] = {{1, 1}, {999, 1}, {1000, 2}, {1999, 2}, {2000, 4}, {1'587'600'000, 2'097'152}};
     for (const auto& test : cases) {
         WaveGeometry geometry = Show(test.Length, 1000, test.Length / 2);
         geometry.ZoomFull();

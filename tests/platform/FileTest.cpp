@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/File.h"
-#include "FaultyFileCalls.h"
-#include "ScratchFolder.h"
+#include "platform/MappedFile.h"
+#include "platform/WholeFile.h"
+#include "support/FaultyFileCalls.h"
+#include "support/TestFolder.h"
 
 #include <cerrno>
 #include <functional>
@@ -31,15 +33,14 @@ protected:
         return file;
     }
 
-    FaultyFileCalls m_calls;
-    ScopedFileCalls m_scope{m_calls};
-    ScratchFolder m_folder;
+    TestFolder m_folder;
 };
 
 TEST_F(FileTest, InterruptedAndPartialTransfersAreContinued)
 {
-    m_calls.InterruptEveryOther(true);
-    m_calls.LimitTransfers(7);
+    FaultyFileCalls calls;
+    calls.InterruptEveryOther();
+    calls.LimitTransfers(7);
     const std::string text = PatternOf(1000);
     File file = OpenNew("a");
     ASSERT_TRUE(file.WriteAt(text.data(), text.size(), 13).Ok());
@@ -48,6 +49,7 @@ TEST_F(FileTest, InterruptedAndPartialTransfersAreContinued)
     EXPECT_EQ(back, text);
     EXPECT_TRUE(file.Allocate(2000).Ok());
     EXPECT_TRUE(file.Resize(500).Ok());
+    EXPECT_TRUE(file.SetMode(0640).Ok());
     EXPECT_TRUE(file.Sync().Ok());
 }
 
@@ -68,29 +70,33 @@ TEST_F(FileTest, AFailingCallIsReportedWithItsErrorNumber)
 {
     char buffer[4];
     uint64_t number = 0;
-    const std::vector<std::pair<const char*, std::function<IoStatus(File&)>>> cases = {
-        {"PRead", [&](File& file) { return file.ReadAt(buffer, 4, 0, number); }},
-        {"PWrite", [&](File& file) { return file.WriteAt("abcd", 4, 0); }},
-        {"FTruncate", [&](File& file) { return file.Resize(1); }},
-        {"FAllocate", [&](File& file) { return file.Allocate(1); }},
-        {"FStat", [&](File& file) { return file.Size(number); }},
-        {"FSync", [&](File& file) { return file.Sync(); }},
-        {"Close", [&](File& file) { return file.Close(); }},
-        {"Unlink", [&](File&) { return RemoveFile(m_folder / "FSync"); }},
-        {"Open", [&](File& file) { return file.Open(m_folder / "FSync", File::Access::Read); }},
+    const std::vector<std::pair<FaultyFileCalls::Kind, std::function<IoStatus(File&)>>> cases = {
+        {FaultyFileCalls::Reads, [&](File& file) { return file.ReadAt(buffer, 4, 0, number); }},
+        {FaultyFileCalls::Writes, [&](File& file) { return file.WriteAt("abcd", 4, 0); }},
+        {FaultyFileCalls::Truncations, [&](File& file) { return file.Resize(1); }},
+        {FaultyFileCalls::Allocations, [&](File& file) { return file.Allocate(1); }},
+        {FaultyFileCalls::Queries, [&](File& file) { return file.Size(number); }},
+        {FaultyFileCalls::Syncs, [&](File& file) { return file.Sync(); }},
+        {FaultyFileCalls::Closes, [&](File& file) { return file.Close(); }},
+        {FaultyFileCalls::Removals, [&](File&) { return RemoveFile(m_folder / "none"); }},
+        {FaultyFileCalls::Opens, [&](File& file) { return file.Open(m_folder / "none", File::Access::Read); }},
+        {FaultyFileCalls::ModeChanges, [&](File& file) { return file.SetMode(0600); }},
     };
     for (const auto& [kind, run] : cases) {
-        File file = OpenNew(kind);
-        m_calls.FailCall(kind, ENOSPC, m_calls.CallCount(kind) + 1);
+        FaultyFileCalls calls({}, kind);
+        File file = OpenNew(std::to_string(kind).c_str());
+        calls.FailCall(1, ENOSPC);
         EXPECT_EQ(run(file).Errno(), ENOSPC) << kind;
+        (void)file.Close();
+        EXPECT_EQ(calls.OpenDescriptors(), 0) << kind;
     }
-    EXPECT_EQ(m_calls.OpenDescriptors(), 0);
     EXPECT_EQ(IoStatus(ENOSPC).Text(), "No space left on device");
 }
 
 TEST_F(FileTest, AWriteThatMakesNoProgressFailsInsteadOfHanging)
 {
-    m_calls.LimitTransfers(0);
+    FaultyFileCalls calls;
+    calls.LimitTransfers(0);
     EXPECT_EQ(OpenNew("a").WriteAt("abcd", 4, 0).Errno(), EIO);
 }
 
@@ -128,81 +134,98 @@ TEST_F(FileTest, AllocatingReservesSpaceAndNeverShortens)
 
 TEST_F(FileTest, AFailedRenameLeavesBothFiles)
 {
-    WriteText(m_folder / "new", "new");
-    WriteText(m_folder / "old", "old");
-    for (const char* kind : {"Open", "Rename"}) {
-        m_calls.FailCall(kind, EIO, m_calls.CallCount(kind) + 1);
+    WriteTextFile(m_folder / "new", "new");
+    WriteTextFile(m_folder / "old", "old");
+    for (const FaultyFileCalls::Kind kind : {FaultyFileCalls::Opens, FaultyFileCalls::Renames}) {
+        FaultyFileCalls calls({}, kind);
+        calls.FailCall(1, EIO);
         EXPECT_EQ(RenameOver(m_folder / "new", m_folder / "old").Errno(), EIO) << kind;
-        EXPECT_EQ(ReadText(m_folder / "old"), "old") << kind;
-        EXPECT_EQ(ReadText(m_folder / "new"), "new") << kind;
+        EXPECT_EQ(ReadTextFile(m_folder / "old"), "old") << kind;
+        EXPECT_EQ(ReadTextFile(m_folder / "new"), "new") << kind;
+        EXPECT_EQ(calls.OpenDescriptors(), 0) << kind;
     }
-    EXPECT_EQ(m_calls.OpenDescriptors(), 0);
 }
 
 TEST_F(FileTest, ARenameIsSyncedUnlessTheFolderCannotBe)
 {
-    const auto renameWithFault = [&](const char* kind, int error) {
-        WriteText(m_folder / "new", "new");
-        WriteText(m_folder / "old", "old");
-        m_calls.FailCall(kind, error, m_calls.CallCount(kind) + 1);
-        const int result = RenameOver(m_folder / "new", m_folder / "old").Errno();
-        EXPECT_EQ(ReadText(m_folder / "old"), "new");
-        return result;
+    const auto renameWithFault = [&](FaultyFileCalls::Kind kind, int error) {
+        WriteTextFile(m_folder / "new", "new");
+        WriteTextFile(m_folder / "old", "old");
+        FaultyFileCalls calls({}, kind);
+        calls.FailCall(1, error);
+        IoStatus synced(ENOENT);
+        EXPECT_TRUE(RenameOver(m_folder / "new", m_folder / "old", &synced).Ok());
+        EXPECT_EQ(ReadTextFile(m_folder / "old"), "new");
+        return synced.Errno();
     };
-    EXPECT_EQ(renameWithFault("FSync", EIO), EIO);
-    EXPECT_EQ(renameWithFault("FSync", EINVAL), 0) << "a file system without it";
-    EXPECT_EQ(renameWithFault("Open", EACCES), 0) << "a folder that may be written but not read";
+    EXPECT_EQ(renameWithFault(FaultyFileCalls::Syncs, EIO), EIO);
+    EXPECT_EQ(renameWithFault(FaultyFileCalls::Syncs, EINVAL), 0) << "a file system without it";
+    EXPECT_EQ(renameWithFault(FaultyFileCalls::Opens, EACCES), 0) << "a folder that may be written but not read";
 }
 
 TEST_F(FileTest, ACopyIsCompleteWhateverTheKernelSupports)
 {
     const std::string text = PatternOf(3 << 20);
-    WriteText(m_folder / "from", text);
+    WriteTextFile(m_folder / "from", text);
     for (const int error : {0, EXDEV, EINVAL, ENOSYS, EOPNOTSUPP}) {
-        FaultyFileCalls calls;
-        const ScopedFileCalls scope(calls);
+        FaultyFileCalls calls({}, FaultyFileCalls::Copies);
         calls.LimitTransfers(1000003);
-        calls.FailCall("CopyRange", error, error ? 2 : 0); // also after a part has been copied
-        WriteText(m_folder / "to", "what was here before");
+        calls.FailCall(error ? 2 : 0, error); // also after a part has been copied
+        WriteTextFile(m_folder / "to", "what was here before");
         EXPECT_TRUE(CopyFileTo(m_folder / "from", m_folder / "to").Ok()) << error;
-        EXPECT_EQ(ReadText(m_folder / "to"), text) << error;
+        EXPECT_EQ(ReadTextFile(m_folder / "to"), text) << error;
         EXPECT_EQ(calls.OpenDescriptors(), 0);
     }
 }
 
 TEST_F(FileTest, AFailedCopyLeavesNothingAtTheTarget)
 {
-    WriteText(m_folder / "from", PatternOf(10000));
-    for (const char* kind : {"CopyRange", "PRead", "Close"}) {
-        m_calls.FailCall(kind, ENOSPC, m_calls.CallCount(kind) + 1);
-        EXPECT_EQ(CopyFileTo(m_folder / "from", m_folder / "to").Errno(), ENOSPC) << kind;
-        EXPECT_EQ(m_folder.EntryCount(), 1u) << kind;
+    WriteTextFile(m_folder / "from", PatternOf(10000));
+    for (uint64_t nth = 1;; ++nth) {
+        // Closing what was only read loses nothing, and a name that is free already need not be removed.
+        FaultyFileCalls calls("work/",
+                              FaultyFileCalls::AllKinds & ~(FaultyFileCalls::Closes | FaultyFileCalls::Removals));
+        calls.FailCall(nth, ENOSPC);
+        const IoStatus status = CopyFileTo(m_folder / "from", m_folder / "to");
+        EXPECT_EQ(calls.OpenDescriptors(), 0) << nth;
+        if (!calls.HasFailed()) {
+            EXPECT_GT(nth, 5u);
+            break;
+        }
+        EXPECT_EQ(status.Errno(), ENOSPC) << nth;
+        EXPECT_EQ(m_folder.EntryCount(), 1u) << nth;
     }
+    FaultyFileCalls calls("work/to", FaultyFileCalls::Closes);
+    calls.FailCall(1, ENOSPC);
+    EXPECT_EQ(CopyFileTo(m_folder / "from", m_folder / "to").Errno(), ENOSPC);
+    EXPECT_EQ(m_folder.EntryCount(), 1u);
     EXPECT_EQ(CopyFileTo(m_folder / "none", m_folder / "to").Errno(), ENOENT);
 }
 
 TEST_F(FileTest, CopyingAFileOntoItselfIsRefused)
 {
-    WriteText(m_folder / "a", "text");
+    WriteTextFile(m_folder / "a", "text");
     std::filesystem::create_hard_link(m_folder / "a", m_folder / "b");
     EXPECT_FALSE(CopyFileTo(m_folder / "a", m_folder / "b").Ok());
-    EXPECT_EQ(ReadText(m_folder / "a"), "text");
+    EXPECT_EQ(ReadTextFile(m_folder / "a"), "text");
 }
 
-TEST_F(FileTest, FilesAndFoldersAreToldApart)
+TEST_F(FileTest, WhatIsNoRegularFileIsRefusedWithoutWaiting)
 {
-    WriteText(m_folder / "a", "");
-    const std::string folder = m_folder.Path();
-    for (const auto& [path, isFile, isFolder] :
-         std::vector<std::tuple<std::string, bool, bool>>{{folder + "/a", true, false},
-                                                          {folder + "/a/", false, false},
-                                                          {folder, false, true},
-                                                          {folder + "/", false, true},
-                                                          {folder + "/none", false, false},
-                                                          {"", false, false}}) {
-        EXPECT_EQ(IsFile(path), isFile) << path;
-        EXPECT_EQ(IsFolder(path), isFolder) << path;
+    ASSERT_EQ(mkfifo((m_folder / "pipe").c_str(), 0600), 0);
+    std::string content;
+    MappedFile mapped;
+    for (const auto& [path, error] : std::vector<std::pair<std::filesystem::path, int>>{
+             {m_folder / "pipe", EINVAL}, {"/dev/zero", EINVAL}, {m_folder.Path(), EISDIR}}) {
+        File file;
+        EXPECT_EQ(file.Open(path, File::Access::Read).Errno(), error) << path;
+        EXPECT_FALSE(file.IsOpen());
+        EXPECT_EQ(ReadWholeFile(path, content).Errno(), error) << path;
+        EXPECT_EQ(CopyFileTo(path, m_folder / "to").Errno(), error) << path;
+        EXPECT_EQ(mapped.Open(path).Errno(), error) << path;
+        EXPECT_EQ(SaveWholeFile(path, "new").Errno(), error) << path;
     }
+    EXPECT_EQ(m_folder.EntryCount(), 1u);
 }
 
 } // namespace

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "FaultyFileCalls.h"
-#include "ScratchFolder.h"
 #include "platform/IniFile.h"
 #include "platform/Paths.h"
 #include "platform/ProductSettings.h"
+#include "support/FaultyFileCalls.h"
+#include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
 #include <random>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace ek::test {
@@ -27,7 +29,7 @@ std::string RandomValue(std::mt19937& random)
 
 TEST(IniFileTest, EveryValueComesBackExactly)
 {
-    const ScratchFolder folder;
+    const TestFolder folder;
     std::mt19937 random(1);
     IniFile written;
     std::vector<std::string> values = {std::string(100000, 'x'), "C:\\new\\rest", "\"quoted\"", "\"open", "\\n", ""};
@@ -44,10 +46,10 @@ TEST(IniFileTest, EveryValueComesBackExactly)
 
 TEST(IniFileTest, AFileWrittenByHandIsUnderstood)
 {
-    const ScratchFolder folder;
-    WriteText(folder / "a.ini", "\xEF\xBB\xBF; a comment\r\nloose = 1\r\n\r\n [ General ] \r\n# another\r\n"
-                                "Name=Ek = Zint; 5.0\r\nname = second\r\nno value\r\n= no key\r\n[broken\r\n"
-                                "Quoted = \"two words\"\r\nTail = \"one\" and two\r\nEmpty=\r\nLast = end");
+    const TestFolder folder;
+    WriteTextFile(folder / "a.ini", "\xEF\xBB\xBF; a comment\r\nloose = 1\r\n\r\n [ General ] \r\n# another\r\n"
+                                    "Name=Ek = Zint; 5.0\r\nname = second\r\nno value\r\n= no key\r\n[broken\r\n"
+                                    "Quoted = \"two words\"\r\nTail = \"one\" and two\r\nEmpty=\r\nLast = end");
     IniFile file;
     ASSERT_TRUE(file.Load(folder / "a.ini"));
     EXPECT_EQ(file.Get("", "loose"), "1");
@@ -62,20 +64,20 @@ TEST(IniFileTest, AFileWrittenByHandIsUnderstood)
 
 TEST(IniFileTest, AMissingFileIsEmptyAndAnUnreadableOneChangesNothing)
 {
-    const ScratchFolder folder;
+    const TestFolder folder;
     IniFile file;
     file.Set("a", "b", "c");
     EXPECT_FALSE(file.Load(folder.Path()));
     EXPECT_EQ(file.Get("a", "b"), "c");
     EXPECT_TRUE(file.Load(folder / "none"));
     EXPECT_EQ(file.Get("a", "b"), std::nullopt);
-    WriteText(folder / "file", "");
+    WriteTextFile(folder / "file", "");
     EXPECT_FALSE(file.Save(folder / "file" / "a.ini").Ok()) << "the folder's name is taken by a file";
 }
 
 class PathsTest : public testing::Test {
 protected:
-    ScratchFolder m_folder;
+    TestFolder m_folder;
     ScopedVariable m_data{"XDG_DATA_HOME", m_folder.Path().c_str()};
     ScopedVariable m_config{"XDG_CONFIG_HOME", m_folder.Path().c_str()};
 };
@@ -100,7 +102,7 @@ TEST_F(PathsTest, UserDataFilesLieUnderTheProductWhoseFolderIsMade)
     EXPECT_EQ(GetUserDataFilePath("").string(), product.string() + "/");
     EXPECT_EQ(GetUserDataFilePath("a.ini", "Other"), m_folder / "Quolm" / "Other" / "a.ini");
     EXPECT_EQ(GetUserDataFilePath(nullptr), "");
-    WriteText(m_folder / "Quolm" / "taken", "");
+    WriteTextFile(m_folder / "Quolm" / "taken", "");
     EXPECT_EQ(GetUserDataFilePath("a.ini", "taken"), "") << "a file has the folder's name";
 }
 
@@ -112,11 +114,12 @@ TEST_F(PathsTest, TheProductNameComesFromTheFileBesideTheProgram)
         EXPECT_EQ(ResolveModulePath("/absolute/name"), "/absolute/name");
         return;
     }
-    // In a copy of this program, so that no other program of this folder ever sees the file.
+    // In a copy of this program, so that no other program of this folder ever sees the file; where programs may run.
     const ScopedVariable isCopy("EK_TEST_IS_COPY", "1");
-    std::filesystem::copy_file("/proc/self/exe", m_folder / "copy");
-    WriteText(m_folder / "appdatadefault.ini", "[General]\nName=" + std::string(120, 'n') + "\n");
-    const std::string copy = m_folder / "copy";
+    const TestFolder folder(ExecutableFolder());
+    std::filesystem::copy_file("/proc/self/exe", folder / "copy");
+    WriteTextFile(folder / "appdatadefault.ini", "[General]\nName=" + std::string(120, 'n') + "\n");
+    const std::string copy = folder / "copy";
     EXPECT_EQ(std::system((copy + " --gtest_filter=*TheProductNameComes* >/dev/null").c_str()), 0);
 }
 
@@ -125,30 +128,39 @@ TEST_F(PathsTest, LanguageFilesLieUnderTheShortNameOfTheLanguage)
     const std::filesystem::path product = m_folder / "Quolm" / "Ek Quintaphonica Zint 5.0";
     EXPECT_EQ(GetLanguageFilePath("Language", "effects_editor.xml"),
               product / "Language" / "eng" / "effects_editor.xml");
-    WriteText(product / "Language.ini", "[Language]\nShortName = deutschdeutschdeutsch\n");
+    WriteTextFile(product / "Language.ini", "[Language]\nShortName = deutschdeutschdeutsch\n");
     EXPECT_EQ(GetLanguageFilePath(nullptr, "a.xml"), product / "deutschdeutschdeutsc" / "a.xml");
     EXPECT_EQ(GetLanguageFilePath("Language", nullptr), "");
 }
 
-TEST_F(PathsTest, ProductSettingsAreStoredAtOnceByAllThreads)
+void StoreFromTwoThreads(const std::string& prefix)
 {
     std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
-        threads.emplace_back([thread] {
-            for (int i = 0; i < 10; ++i) {
-                const std::string key = std::to_string(thread) + "." + std::to_string(i);
-                EXPECT_TRUE(SetProductSetting("Providers\\wav", key, key).Ok());
-            }
+    for (const char* const thread : {"a", "b"}) {
+        threads.emplace_back([key = prefix + thread] {
+            for (int i = 0; i < 20; ++i)
+                EXPECT_TRUE(SetProductSetting("Providers\\wav", key + std::to_string(i), key).Ok());
         });
     }
     for (std::thread& thread : threads)
         thread.join();
+}
+
+TEST_F(PathsTest, ProductSettingsOfAllThreadsAndProcessesAreStoredAtOnce)
+{
+    const pid_t child = fork();
+    ASSERT_NE(child, -1);
+    StoreFromTwoThreads(child == 0 ? "child" : "parent");
+    if (child == 0)
+        _exit(0);
+    waitpid(child, nullptr, 0);
     IniFile file;
     ASSERT_TRUE(file.Load(m_folder / "Quolm" / "Ek Quintaphonica" / "Ek Quintaphonica Zint 5.0.ini"));
-    for (int i = 0; i < 40; ++i) {
-        const std::string key = std::to_string(i / 10) + "." + std::to_string(i % 10);
-        EXPECT_EQ(file.Get("Providers\\wav", key), key);
-        EXPECT_EQ(GetProductSetting("providers\\WAV", key, ""), key);
+    for (const char* const thread : {"childa", "childb", "parenta", "parentb"}) {
+        for (int i = 0; i < 20; ++i) {
+            EXPECT_EQ(file.Get("Providers\\wav", thread + std::to_string(i)), thread);
+            EXPECT_EQ(GetProductSetting("providers\\WAV", thread + std::to_string(i), ""), thread);
+        }
     }
     EXPECT_EQ(GetProductSetting("Providers\\wav", "none", "fallback"), "fallback");
 }
@@ -157,9 +169,8 @@ TEST_F(PathsTest, ASettingIsNotStoredOverAFileThatCannotBeRead)
 {
     ASSERT_TRUE(SetProductSetting("a", "kept", "1").Ok());
     {
-        FaultyFileCalls calls;
-        const ScopedFileCalls scope(calls);
-        calls.FailCall("PRead", EIO);
+        FaultyFileCalls calls({}, FaultyFileCalls::Reads);
+        calls.FailCall(1, EIO);
         EXPECT_FALSE(SetProductSetting("a", "b", "c").Ok());
     }
     EXPECT_EQ(GetProductSetting("a", "kept", ""), "1");

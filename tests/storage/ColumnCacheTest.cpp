@@ -3,6 +3,7 @@
 #include "StoreTest.h"
 
 #include <algorithm>
+#include <functional>
 #include <random>
 
 namespace ek {
@@ -97,9 +98,47 @@ TEST_F(ColumnsTest, AStoreWithoutSoundOrWithOtherChannelsHasNoColumns)
     EXPECT_EQ(m_columns.ColumnCount(), 0U);
     m_columns.QueryPeaks(empty, 0, 100, 100, 0);
     EXPECT_EQ(m_columns.ColumnCount(), 0U);
+    m_columns.SetChannelCount(9);
+    m_columns.Refresh(m_store, 0, 1, 100);
+    EXPECT_EQ(m_columns.ColumnCount(), 0U);
     m_columns.SetChannelCount(1);
     m_columns.Refresh(m_store, 0, 1, 100);
     EXPECT_EQ(m_columns.ColumnCount(), 0U);
+}
+
+/// Draws anew while a long operation goes on, as a window does that is resized.
+class ResizedWindow final : public ProgressPresenter {
+public:
+    explicit ResizedWindow(std::function<void()> draw) : m_draw(std::move(draw)) { SetProgressPresenter(this); }
+    ~ResizedWindow() { SetProgressPresenter(nullptr); }
+    WorkResult Show(CProgressDlg& progress) override
+    {
+        m_draw();
+        progress.Begin();
+        const WorkResult result = progress.WaitResult();
+        progress.End();
+        return result;
+    }
+
+private:
+    std::function<void()> m_draw;
+};
+
+TEST_F(ColumnsTest, CoarseColumnsStayAsTheyAreWhilePeaksAreComputed)
+{
+    m_columns.Refresh(m_store, 0, 512, 100);
+    int drawn = 0;
+    const ResizedWindow window([&] {
+        m_columns.Refresh(m_store, 0, 512, 50);
+        m_columns.QueryPeaks(m_store, 0, 512, 20, 0);
+        ++drawn;
+    });
+    ASSERT_TRUE(m_store.BuildPeakCache());
+    EXPECT_EQ(drawn, 1);
+    EXPECT_EQ(m_columns.ColumnCount(), 100U);
+    ExpectColumns(0, 512, 100);
+    m_columns.Refresh(m_store, 0, 512, 50);
+    ExpectColumns(0, 512, 50);
 }
 
 class LoopsTest : public StoreTest, public testing::WithParamInterface<uint32_t> {};

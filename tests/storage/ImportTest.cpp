@@ -57,9 +57,14 @@ TEST_F(ImportTest, AnEightBitSourceIsStoredAsSixteenBit)
     const std::vector<uint8_t> values = {0, 128, 255, 127};
     WriteWav8(m_path, 2, values);
     ASSERT_TRUE(m_store.OpenFile(m_path));
-    EXPECT_EQ(m_store.SourceFormat().wBitsPerSample, 8);
-    EXPECT_EQ(m_store.WorkingFormat().wBitsPerSample, 16);
-    EXPECT_EQ(m_store.BlockAlign(), 4U);
+    WAVEFORMATEXTENSIBLE wide = m_store.SourceFormat();
+    EXPECT_EQ(wide.wBitsPerSample, 8);
+    EXPECT_EQ(wide.nBlockAlign, 2);
+    wide.wBitsPerSample = 16;
+    wide.nBlockAlign = 4;
+    wide.nAvgBytesPerSec *= 2;
+    wide.cbSize = 0;
+    EXPECT_EQ(m_store.WorkingFormat(), wide);
     EXPECT_EQ(ReadAll(m_store), (std::vector<int16_t>{-32768, 0, 127 * 256, -256}));
 }
 

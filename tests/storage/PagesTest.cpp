@@ -3,7 +3,9 @@
 #include "storage/PageCache.h"
 #include "support/FaultyFileCalls.h"
 
+#include <array>
 #include <cerrno>
+#include <thread>
 
 namespace ek {
 namespace {
@@ -62,12 +64,38 @@ TEST_F(PagesTest, APageThatCannotBeWrittenIsKeptAndWrittenLater)
     for (uint64_t index = 1; index < 10; ++index)
         m_pages.Page(index, false);
     calls.FailFrom(1, ENOSPC);
-    EXPECT_EQ(m_pages.Page(10, false), nullptr);
+    EXPECT_NE(m_pages.Page(10, false), nullptr); // reading goes on in the place of an unchanged page
+    EXPECT_EQ(ResidentIndexes(), (std::vector<uint64_t>{0, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+    for (const uint64_t index : ResidentIndexes())
+        m_pages.Page(index, true);
+    EXPECT_EQ(m_pages.Page(11, false), nullptr);
     EXPECT_FALSE(m_pages.Flush());
-    EXPECT_EQ(ResidentIndexes(), (std::vector<uint64_t>{0}));
+    EXPECT_EQ(m_pages.Resident().size(), 10U);
     calls.StopFailing();
     EXPECT_TRUE(m_pages.Flush());
     EXPECT_EQ(m_pages.Page(0, false)[0], 1);
+}
+
+TEST_F(StoreTest, TwoThreadsReadAndWriteMorePagesThanAreInMemory)
+{
+    constexpr uint64_t Pages = 12;
+    CWaveData store;
+    store.SetFormat(MakePcm16Format(44100, 1), nullptr);
+    ASSERT_TRUE(store.InsertSpace(0, 0, Pages * Page));
+    std::array<uint64_t, 2> wrong{};
+    const auto work = [&](size_t thread) {
+        for (uint64_t step = 0; step < 2 * Pages; ++step) {
+            const uint64_t offset = (step * 5 % Pages) * Page + thread * Page / 2;
+            const std::vector<int16_t> written = MakeNoise(static_cast<uint32_t>(step * 2 + thread), 5000);
+            std::vector<int16_t> read(written.size());
+            store.WriteData(written.data(), offset, 10000);
+            wrong[thread] += !store.ReadData(read.data(), offset, 10000) || read != written;
+        }
+    };
+    std::thread other(work, 1);
+    work(0);
+    other.join();
+    EXPECT_EQ(wrong, (std::array<uint64_t, 2>{}));
 }
 
 TEST_F(StoreTest, AnEmptyStoreReadsNothingAndSaysSo)
@@ -190,10 +218,26 @@ TEST_F(StoreTest, AnEightBitFormatIsHeldAsSixteenBit)
     CWaveData store;
     EXPECT_TRUE(store.SetFormat(format, &properties));
     EXPECT_EQ(store.SourceFormat(), format);
-    EXPECT_EQ(store.WorkingFormat().wBitsPerSample, 16);
-    EXPECT_EQ(store.BlockAlign(), 4U);
-    EXPECT_EQ(store.WorkingFormat().nAvgBytesPerSec, 32000U);
+    EXPECT_EQ(store.WorkingFormat(), MakePcm16Format(8000, 2));
     EXPECT_EQ(store.StreamProps(), properties);
+}
+
+TEST_F(StoreTest, AFormatThatCannotBeStoredIsRefusedAndChangesNothing)
+{
+    const WAVEFORMATEXTENSIBLE good = MakePcm16Format(44100, 2);
+    std::vector<WAVEFORMATEXTENSIBLE> refused(5, good);
+    refused[0] = MakePcm16Format(44100, 9);
+    refused[1].wBitsPerSample = 24;
+    refused[1].nBlockAlign = 6;
+    refused[2].nBlockAlign = 2;
+    refused[3].nSamplesPerSec = 0;
+    refused[4] = {};
+    CWaveData store;
+    EXPECT_FALSE(store.InsertSpace(0, 0, 4)) << "no format yet";
+    ASSERT_TRUE(store.SetFormat(good, nullptr));
+    for (const WAVEFORMATEXTENSIBLE& format : refused)
+        EXPECT_FALSE(store.SetFormat(format, nullptr));
+    EXPECT_EQ(store.WorkingFormat(), good);
 }
 
 class StreamTest : public StoreTest {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "../platform/ScratchFolder.h"
 #include "debugmanager/DebugManager.h"
 #include "skinmanager/SkinColors.h"
+#include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -11,9 +11,9 @@ namespace {
 
 class LogTest : public testing::Test {
 protected:
-    std::string Content() const { return ReadText(m_log); }
+    std::string Content() const { return ReadTextFile(m_log); }
 
-    ScratchFolder m_folder;
+    TestFolder m_folder;
     ScopedVariable m_state{"XDG_STATE_HOME", m_folder.Path().c_str()};
     std::filesystem::path m_log = m_folder / "ek-wave-editor" / "editor.log";
     CDebugManager m_manager;
@@ -25,16 +25,22 @@ TEST_F(LogTest, ALineHoldsSourceLevelAndText)
     m_manager.WriteLogMessage("Source", LogError, "Error! Position: %I64x {} %s", uint64_t{0x123456789A}, "x");
     m_manager.WriteLogMessage("Source", LogTree, "tree");
     m_manager.WriteLogMessage("Source", "plain %d", 5);
+    m_manager.WriteLogMessage("Source", "Can't open %s", "two\nlines\r\x1B\xC3\xA9");
     const std::string content = Content();
     EXPECT_NE(content.find(" error Source: Error! Position: 123456789a {} x\n"), std::string::npos) << content;
     EXPECT_NE(content.find(" Source: tree\n"), std::string::npos) << content;
     EXPECT_NE(content.find(" info Source: plain 5\n"), std::string::npos) << content;
+    EXPECT_NE(content.find(" Source: Can't open two\\nlines\\x0D\\x1B\xC3\xA9\n"), std::string::npos) << content;
 }
 
-TEST_F(LogTest, TheLogIsRotatedAndItsSizeBounded)
+TEST_F(LogTest, WritersShareOneFileWhoeverRotatesItAndItsSizeIsBounded)
 {
-    for (int i = 0; i < 100; ++i)
-        m_manager.WriteLogMessage("Source", LogInformation, "%s", std::string(100000, 'x').c_str());
+    CDebugManager other;
+    for (int i = 0; i < 100; ++i) {
+        const std::string text = std::to_string(i) + std::string(100000, 'x');
+        (i % 3 == 0 ? other : m_manager).WriteLogMessage("Source", LogInformation, "%s", text.c_str());
+        EXPECT_TRUE(Content().ends_with(" Source: " + text + "\n")) << i;
+    }
     int files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(m_log.parent_path())) {
         ++files;
@@ -45,7 +51,7 @@ TEST_F(LogTest, TheLogIsRotatedAndItsSizeBounded)
 
 TEST_F(LogTest, ALogThatCannotBeOpenedDisturbsNobody)
 {
-    WriteText(m_folder / "ek-wave-editor", "a file where the folder would be");
+    WriteTextFile(m_folder / "ek-wave-editor", "a file where the folder would be");
     m_manager.CollectLines();
     m_manager.WriteLogMessage("Source", LogError, "first");
     m_manager.WriteLogMessage("Source", "second");

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/FaultyFileCalls.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <limits>
+#include <sys/mman.h>
 
 namespace ek {
 
@@ -38,6 +40,18 @@ void FaultyFileCalls::StopFailing()
     m_first = 0;
 }
 
+void FaultyFileCalls::InterruptEveryOther()
+{
+    const std::lock_guard lock(m_mutex);
+    m_interrupts = true;
+}
+
+void FaultyFileCalls::LimitTransfers(size_t bytes)
+{
+    const std::lock_guard lock(m_mutex);
+    m_transferLimit = bytes;
+}
+
 uint64_t FaultyFileCalls::CallCount() const
 {
     const std::lock_guard lock(m_mutex);
@@ -62,10 +76,24 @@ bool FaultyFileCalls::IsWatched(const char* path) const
 }
 
 /// Call with the mutex held.
+bool FaultyFileCalls::Interrupts(Kind kind)
+{
+    constexpr uint32_t Never = Closes | Queries | Renames | Removals | Mappings;
+    if (!m_interrupts || (kind & Never) != 0)
+        return false;
+    m_interruptsNext = !m_interruptsNext;
+    if (m_interruptsNext)
+        errno = EINTR;
+    return m_interruptsNext;
+}
+
+/// Call with the mutex held.
 bool FaultyFileCalls::Fails(Kind kind, bool watched)
 {
     if (!watched || (m_kinds & kind) == 0)
         return false;
+    if (Interrupts(kind))
+        return true;
     ++m_count;
     const bool fails = m_first != 0 && m_count >= m_first && m_count <= m_last;
     m_failed = m_failed || fails;
@@ -78,6 +106,12 @@ bool FaultyFileCalls::FailsFor(Kind kind, int descriptor)
 {
     const std::lock_guard lock(m_mutex);
     return Fails(kind, m_watched.contains(descriptor));
+}
+
+size_t FaultyFileCalls::Limited(size_t length) const
+{
+    const std::lock_guard lock(m_mutex);
+    return std::min(length, m_transferLimit);
 }
 
 int FaultyFileCalls::Open(const char* path, int flags, mode_t mode)
@@ -101,14 +135,14 @@ int FaultyFileCalls::Close(int descriptor)
 
 ssize_t FaultyFileCalls::PRead(int descriptor, void* buffer, size_t length, off_t position)
 {
-    return FailsFor(Reads, descriptor) ? -1 : FileCalls::PRead(descriptor, buffer, length, position);
+    return FailsFor(Reads, descriptor) ? -1 : FileCalls::PRead(descriptor, buffer, Limited(length), position);
 }
 
 /// A disk that fills up takes the first half.
 ssize_t FaultyFileCalls::PWrite(int descriptor, const void* data, size_t length, off_t position)
 {
     if (!FailsFor(Writes, descriptor))
-        return FileCalls::PWrite(descriptor, data, length, position);
+        return FileCalls::PWrite(descriptor, data, Limited(length), position);
     const int error = errno;
     (void)FileCalls::PWrite(descriptor, data, length / 2, position);
     errno = error;
@@ -125,6 +159,26 @@ int FaultyFileCalls::FSync(int descriptor)
     return FailsFor(Syncs, descriptor) ? -1 : FileCalls::FSync(descriptor);
 }
 
+int FaultyFileCalls::FStat(int descriptor, struct stat* status)
+{
+    return FailsFor(Queries, descriptor) ? -1 : FileCalls::FStat(descriptor, status);
+}
+
+int FaultyFileCalls::FTruncate(int descriptor, off_t size)
+{
+    return FailsFor(Truncations, descriptor) ? -1 : FileCalls::FTruncate(descriptor, size);
+}
+
+int FaultyFileCalls::FChMod(int descriptor, mode_t mode)
+{
+    return FailsFor(ModeChanges, descriptor) ? -1 : FileCalls::FChMod(descriptor, mode);
+}
+
+void* FaultyFileCalls::MMap(size_t length, int descriptor)
+{
+    return FailsFor(Mappings, descriptor) ? MAP_FAILED : FileCalls::MMap(length, descriptor);
+}
+
 int FaultyFileCalls::Rename(const char* from, const char* to)
 {
     const std::lock_guard lock(m_mutex);
@@ -139,7 +193,7 @@ int FaultyFileCalls::Unlink(const char* path)
 
 ssize_t FaultyFileCalls::CopyRange(int from, int to, size_t length)
 {
-    return FailsFor(Copies, to) ? -1 : FileCalls::CopyRange(from, to, length);
+    return FailsFor(Copies, to) ? -1 : FileCalls::CopyRange(from, to, Limited(length));
 }
 
 } // namespace ek

@@ -9,8 +9,17 @@
 namespace ek {
 namespace {
 
+constexpr char WantedScale[] = "EK_TEST_DISPLAY_SCALE";
+
 /// These run at the scale of the process: here at 1, and once more in a process for each other scale.
-class AtThisScale : public ViewFixture {};
+class AtThisScale : public ViewFixture {
+    void SetUp() override
+    {
+        if (qEnvironmentVariableIsSet(WantedScale)) {
+            ASSERT_EQ(View.devicePixelRatioF(), qgetenv(WantedScale).toDouble());
+        }
+    }
+};
 
 TEST_F(AtThisScale, WhatIsOnTheScreenIsWhatWasDrawnPixelByPixel)
 {
@@ -76,11 +85,14 @@ TEST_P(DisplayScale, TheViewIsExact)
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("QT_SCALE_FACTOR", GetParam());
+    environment.insert(WantedScale, GetParam());
     process.setProcessEnvironment(environment);
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(QCoreApplication::applicationFilePath(), {"--gtest_filter=AtThisScale.*"});
+    process.start(QCoreApplication::applicationFilePath(), {"--gtest_filter=AtThisScale.*", "--gtest_color=no"});
     ASSERT_TRUE(process.waitForFinished(300'000));
-    EXPECT_EQ(process.exitCode(), 0) << process.readAll().toStdString();
+    const QByteArray output = process.readAll();
+    EXPECT_EQ(process.exitCode(), 0) << output.toStdString();
+    EXPECT_GT(output.count("       OK ] AtThisScale."), 0) << output.toStdString();
 }
 
 INSTANTIATE_TEST_SUITE_P(Scales, DisplayScale, testing::Values("1.25", "1.5", "1.75", "2"));

@@ -64,8 +64,12 @@ protected:
     }
     void Wheel(QPointF place, QPoint delta, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
-        QWheelEvent event(place, View.mapToGlobal(place), {}, delta, Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(&View, &event);
+        QWidget* child = View.childAt(place.toPoint());
+        QWidget* target = child ? child : &View;
+        QWheelEvent event(target->mapFrom(&View, place), View.mapToGlobal(place), {}, delta, Qt::NoButton, modifiers,
+                          Qt::NoScrollPhase, false);
+        QSpontaneKeyEvent::setSpontaneous(&event); // only those of the window system pass on to a parent
+        qApp->notify(target, &event);
     }
     QPoint MiddleOf(const Rect& rect) const
     {
