@@ -15,13 +15,15 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace ek {
 
 namespace {
 
 constexpr std::string_view OpenWord = "open";
-constexpr int AnswerLimitMilliseconds = 10000;
+constexpr int AnswerLimitSeconds = 10;
+constexpr char AcceptedAnswer = 'k';
 
 class Descriptor {
 public:
@@ -87,11 +89,19 @@ bool SendAll(int socket, std::string_view text)
     return ::shutdown(socket, SHUT_WR) == 0;
 }
 
-bool HasAnswer(int socket)
+bool IsAccepted(int socket)
 {
     pollfd wait{.fd = socket, .events = POLLIN, .revents = 0};
     char answer = 0;
-    return ::poll(&wait, 1, AnswerLimitMilliseconds) == 1 && ::recv(socket, &answer, 1, 0) == 1;
+    return ::poll(&wait, 1, AnswerLimitSeconds * 1000) == 1 && ::recv(socket, &answer, 1, 0) == 1 &&
+           answer == AcceptedAnswer;
+}
+
+/// An editor that hangs lets its queue fill up; connecting and sending then end with this limit.
+void LimitWaiting(int socket)
+{
+    const timeval limit{.tv_sec = AnswerLimitSeconds, .tv_usec = 0};
+    ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof(limit));
 }
 
 } // namespace
@@ -129,23 +139,32 @@ std::filesystem::path HandOverSocket()
     return folder.empty() ? folder : folder / ("ek-wave-editor" + DisplayName());
 }
 
-bool SendHandOver(const std::filesystem::path& socket, const std::vector<std::filesystem::path>& files)
+HandOverResult SendHandOver(const std::filesystem::path& socket, const std::vector<std::filesystem::path>& files)
 {
     sockaddr_un address;
     if (!MakeAddress(socket, address))
-        return false;
+        return HandOverResult::Nobody;
     const Descriptor connection(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    LimitWaiting(connection.Get());
     if (::connect(connection.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0)
-        return false;
-    return SendAll(connection.Get(), EncodeHandOver(files)) && HasAnswer(connection.Get());
+        return errno == ENOENT || errno == ECONNREFUSED ? HandOverResult::Nobody : HandOverResult::NoAnswer;
+    const bool isAccepted = SendAll(connection.Get(), EncodeHandOver(files)) && IsAccepted(connection.Get());
+    return isAccepted ? HandOverResult::Accepted : HandOverResult::NoAnswer;
 }
 
-HandOverListener::~HandOverListener()
+void HandOverListener::Close()
 {
     if (m_descriptor < 0)
         return;
-    ::unlink(m_path.c_str());
-    ::close(m_descriptor);
+    if (IsOwnFile())
+        ::unlink(m_path.c_str());
+    ::close(std::exchange(m_descriptor, -1));
+}
+
+bool HandOverListener::IsOwnFile() const
+{
+    struct stat status {};
+    return ::lstat(m_path.c_str(), &status) == 0 && status.st_dev == m_device && status.st_ino == m_fileNumber;
 }
 
 bool HandOverListener::Listen(const std::filesystem::path& socket)
@@ -160,7 +179,11 @@ bool HandOverListener::Listen(const std::filesystem::path& socket)
         ::close(descriptor);
         return false;
     }
+    struct stat status {};
+    ::lstat(socket.c_str(), &status);
     m_descriptor = descriptor;
+    m_device = status.st_dev;
+    m_fileNumber = status.st_ino;
     m_path = socket;
     return true;
 }
@@ -186,10 +209,10 @@ StartKind JoinRunningEditor(const std::filesystem::path& socket, const std::vect
     const Descriptor lock(::open((socket.native() + ".lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600));
     if (lock.Get() < 0 || ::flock(lock.Get(), LOCK_EX) != 0)
         return StartKind::First;
-    if (SendHandOver(socket, files))
-        return StartKind::HandedOver;
-    listener.Listen(socket);
-    return StartKind::First;
+    const HandOverResult result = SendHandOver(socket, files);
+    if (result == HandOverResult::Nobody)
+        listener.Listen(socket);
+    return result == HandOverResult::Accepted ? StartKind::HandedOver : StartKind::First;
 }
 
 } // namespace ek

@@ -45,16 +45,17 @@ private:
         }
         m_notifier.setEnabled(false);
         deleteLater();
-        if (count == 0)
-            Complete();
+        Answer(count == 0 && IsTaken());
     }
 
-    void Complete()
+    bool IsTaken() const
     {
         const auto files = DecodeHandOver(m_text);
-        if (files && ::send(m_descriptor, "k", 1, MSG_NOSIGNAL) == 1)
-            m_receiver(*files);
+        return files && m_receiver(*files);
     }
+
+    /// One byte always has room in the buffer of a new connection; a sender that has gone needs no answer.
+    void Answer(bool isTaken) { ::send(m_descriptor, isTaken ? "k" : "n", 1, MSG_NOSIGNAL); }
 
     int m_descriptor;
     const HandOverServer::Receiver& m_receiver;

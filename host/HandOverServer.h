@@ -12,10 +12,11 @@ namespace ek {
 class HandOverListener;
 
 /// Receives what further starts hand over, in the event loop. Each sender is answered as soon as its message is
-/// complete, before the files are opened.
+/// complete, before the files are opened; also one that is refused, which then opens its files itself.
 class HandOverServer : public QObject {
 public:
-    using Receiver = std::function<void(const std::vector<std::filesystem::path>&)>;
+    /// False when the files are not taken. Called before the answer.
+    using Receiver = std::function<bool(const std::vector<std::filesystem::path>&)>;
 
     /// The listener outlives the server. Without a socket the server does nothing.
     HandOverServer(const HandOverListener& listener, Receiver receiver);

@@ -62,7 +62,8 @@ HostWindow::~HostWindow()
 void HostWindow::MakeOwnMenus()
 {
     m_quit->setMenuRole(QAction::QuitRole);
-    connect(m_quit, &QAction::triggered, this, &QWidget::close);
+    // Closing frees the menus, one of which is still at work while it reports what was chosen.
+    connect(m_quit, &QAction::triggered, this, &QWidget::close, Qt::QueuedConnection);
     auto* help = new QMenu(tr("Help"), this);
     connect(help->addAction(tr("About %1...").arg(QString::fromLatin1(ModuleName))), &QAction::triggered, this,
             [this] { RunCommand(AboutCommand); });
@@ -113,9 +114,12 @@ void HostWindow::RestorePlace()
     resize(QSize(1280, 800).boundedTo(room));
 }
 
-void HostWindow::OpenFiles(const std::vector<std::filesystem::path>& files)
+bool HostWindow::OpenFiles(const std::vector<std::filesystem::path>& files)
 {
+    if (!m_frame)
+        return false;
     m_waitingFiles.insert(m_waitingFiles.end(), files.begin(), files.end());
+    return true;
 }
 
 QStringList HostWindow::OpenFilesNow(const std::vector<std::filesystem::path>& files)
@@ -131,11 +135,11 @@ QStringList HostWindow::OpenFilesNow(const std::vector<std::filesystem::path>& f
 
 void HostWindow::OpenWaitingFiles()
 {
-    if (!m_frame || QApplication::activeModalWidget() || QApplication::activePopupWidget())
+    if (!m_frame || IsModuleBusy())
         return;
     const QStringList refusals = OpenFilesNow(std::exchange(m_waitingFiles, {}));
     if (!refusals.isEmpty())
-        QMessageBox::warning(this, QString::fromLatin1(ModuleName), refusals.join(u"\n\n"));
+        QMessageBox::critical(this, QString::fromLatin1(ModuleName), refusals.join(u"\n\n"));
 }
 
 bool HostWindow::RunCommand(uint32_t id)
@@ -145,7 +149,7 @@ bool HostWindow::RunCommand(uint32_t id)
 
 void HostWindow::OnIdle()
 {
-    if (!m_frame)
+    if (!m_frame || IsModuleBusy())
         return;
     if (std::exchange(m_isMenuStale, false))
         m_menu->Rebuild(m_frame);
@@ -206,17 +210,24 @@ void HostWindow::closeEvent(QCloseEvent* event)
 bool HostWindow::Leave()
 {
     // Closing asks questions, and a second close can arrive while one of them is open.
-    if (!m_frame || m_isLeaving)
+    if (!m_frame || m_isLeaving || IsModuleBusy())
         return !m_frame;
     m_isLeaving = true;
-    const bool mayLeave = m_module.TryClose() != 0;
+    const size_t waitingFiles = m_waitingFiles.size();
+    // Files that were handed over while the questions were asked are opened instead.
+    const bool mayLeave = m_module.TryClose() != 0 && m_waitingFiles.size() == waitingFiles;
     m_isLeaving = false;
-    if (mayLeave) {
-        m_services.WriteOwnSetting(GeometryKey, saveGeometry().toBase64().toStdString());
-        FreeModule();
-        m_services.SaveSettings();
-    }
+    if (mayLeave)
+        LeaveWithoutAsking();
     return mayLeave;
+}
+
+void HostWindow::LeaveWithoutAsking()
+{
+    if (m_frame)
+        m_services.WriteOwnSetting(GeometryKey, saveGeometry().toBase64().toStdString());
+    FreeModule();
+    m_services.SaveSettings();
 }
 
 void HostWindow::FreeModule()
@@ -225,9 +236,9 @@ void HostWindow::FreeModule()
         return;
     m_menu->Clear();
     m_loop.reset();
-    m_module.ChangeState(m_frame, 0);
-    m_module.Free(m_frame);
-    m_frame.clear();
+    QWidget* frame = std::exchange(m_frame, nullptr);
+    m_module.ChangeState(frame, 0);
+    m_module.Free(frame);
 }
 
 } // namespace ek

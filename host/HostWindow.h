@@ -39,10 +39,13 @@ public:
     /// Brings the module up. False when it refused, for a reason that it has told.
     bool Start();
 
-    /// Opens the files as soon as no dialog or menu is open.
-    void OpenFiles(const std::vector<std::filesystem::path>& files);
+    /// Opens the files as soon as no dialog or menu is open. False when the module has gone, or is going, for good.
+    bool OpenFiles(const std::vector<std::filesystem::path>& files);
     /// Opens the files before it returns. The result says, for a person, which of them were not asked for.
     QStringList OpenFilesNow(const std::vector<std::filesystem::path>& files);
+
+    /// Takes the module down as it is and saves the settings, whatever is open. Unsaved sounds are lost.
+    void LeaveWithoutAsking();
 
     bool RunCommand(uint32_t id); ///< as if it came from a menu
     SkinChoice& Skins() { return *m_skins; }

@@ -6,6 +6,7 @@
 #include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QEvent>
+#include <QThread>
 #include <QWidget>
 
 #include <utility>
@@ -27,12 +28,18 @@ bool IsMouseEvent(QEvent::Type type)
            type == QEvent::MouseButtonDblClick || type == QEvent::MouseMove || type == QEvent::Wheel;
 }
 
-bool IsBusyElsewhere()
+bool IsDialogOpen()
 {
     return QApplication::activePopupWidget() || QApplication::activeModalWidget();
 }
 
 } // namespace
+
+bool IsModuleBusy()
+{
+    // Work that shows its progress runs a loop before its dialog appears.
+    return IsDialogOpen() || QThread::currentThread()->loopLevel() > 1;
+}
 
 ModuleLoop::ModuleLoop(const ModuleExports& module, std::function<void()> idle)
     : m_module(module), m_idle(std::move(idle))
@@ -50,7 +57,7 @@ ModuleLoop::~ModuleLoop()
 
 bool ModuleLoop::eventFilter(QObject* receiver, QEvent* event)
 {
-    if (receiver != &m_wakeUp)
+    if (event->type() != QEvent::Timer)
         m_hasActivity = true;
     if (!IsModuleInput(*receiver, *event))
         return false;
@@ -61,7 +68,7 @@ bool ModuleLoop::eventFilter(QObject* receiver, QEvent* event)
 /// A key that its widget ignores goes on to the parents, one event each; the module is to see it once.
 bool ModuleLoop::IsModuleInput(const QObject& receiver, const QEvent& event) const
 {
-    if (!receiver.isWidgetType() || IsBusyElsewhere())
+    if (!receiver.isWidgetType() || IsDialogOpen())
         return false;
     if (!IsKeyEvent(event.type()))
         return IsMouseEvent(event.type());
@@ -71,7 +78,7 @@ bool ModuleLoop::IsModuleInput(const QObject& receiver, const QEvent& event) con
 
 void ModuleLoop::BeforeSleep()
 {
-    if (!m_hasActivity || IsBusyElsewhere())
+    if (!m_hasActivity || IsModuleBusy())
         return;
     if (m_sinceIdle.isValid() && m_sinceIdle.elapsed() < IdlePauseMilliseconds) {
         if (!m_wakeUp.isActive())

@@ -4,24 +4,22 @@
 #include "platform/File.h"
 #include "platform/Text.h"
 
+#include <utility>
+
 namespace ek {
 
 namespace {
 
-bool IsUtf8(const std::filesystem::path& file)
-{
-    return ToUtf8(ToUtf16(file.native())) == file.native();
-}
-
 /// Empty when nothing speaks against asking for the file.
-std::string_view Refusal(const std::filesystem::path& file)
+std::string Refusal(const std::filesystem::path& file)
 {
+    const std::string name = ToUtf8(ToUtf16(file.native()));
     if (!IsFile(file))
-        return "There is no file of this name:";
+        return "Can't open file " + ToUtf8(ToUtf16(file.filename().native()));
     if (file.native().find('"') != std::string::npos)
-        return "The name of this file holds a double quote. Open it with File, Open:";
-    if (!IsUtf8(file))
-        return "The name of this file is not valid UTF-8. Rename it first:";
+        return "The name of this file holds a double quote. Open it with File, Open:\n" + name;
+    if (name != file.native())
+        return "The name of this file is not valid UTF-8. Rename it first:\n" + name;
     return {};
 }
 
@@ -31,11 +29,10 @@ OpenRequest MakeOpenRequest(const std::vector<std::filesystem::path>& files)
 {
     OpenRequest request;
     for (const std::filesystem::path& file : files) {
-        const std::u16string name = ToUtf16(file.native());
-        if (const std::string_view refusal = Refusal(file); !refusal.empty())
-            request.Refusals.push_back(std::string(refusal) + '\n' + ToUtf8(name));
+        if (std::string refusal = Refusal(file); !refusal.empty())
+            request.Refusals.push_back(std::move(refusal));
         else
-            request.Text += u" \"" + name + u'"';
+            request.Text += u" \"" + ToUtf16(file.native()) + u'"';
     }
     if (!request.Text.empty())
         request.Text.insert(0, u"Open");

@@ -27,6 +27,7 @@ public:
                QWidget* window);
 
     QMenu* Menu() const { return m_menu; }
+    bool Has(const std::string& name) const { return m_skins.contains(name); }
     const std::string& WornSkin() const { return m_worn; }
     /// A skin that is not there gives the built-in colours and a line in the log. Not stored.
     void Wear(const std::string& name);

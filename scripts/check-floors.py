@@ -35,7 +35,7 @@ ROOMS = {
     # framework
     "framework": Room("framework", "framework", "sdk platform servicefuncs"),
     # editor
-    "background": Room("editor/background", "background", "platform"),
+    "background": Room("editor/background", "background", "platform debugmanager"),
     "resources": Room("editor/resources", "resources", "sdk"),
     "storage": Room("editor/storage", "storage", "background framework ekdatapr servicefuncs debugmanager"),
     "waveedit": Room("editor/waveedit", "waveedit", "storage framework"),
