@@ -3,7 +3,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 
 namespace ek {
 
@@ -65,11 +67,13 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw)
         ->type_name("FOLDER")
         ->excludes(screenshot);
     app.add_option("--make-demo", raw.MakeDemo, "Write the demo sound and leave")->type_name("FILE");
+    app.add_flag("--check-display", options.CheckDisplay)->group(""); // for scripts, not listed
 }
 
 void TakeOver(const RawOptions& raw, Options& options)
 {
-    options.Files.assign(raw.Files.begin(), raw.Files.end());
+    std::copy_if(raw.Files.begin(), raw.Files.end(), std::back_inserter(options.Files),
+                 [](const std::string& file) { return !file.empty(); });
     options.Screenshot = raw.Screenshot;
     options.Tour = raw.Tour;
     options.MakeDemo = raw.MakeDemo;

@@ -17,6 +17,7 @@ struct Options {
     std::filesystem::path Screenshot;          ///< not empty: draw the window into this PNG and leave
     std::filesystem::path Tour;                ///< not empty: walk through the editor, leave the results here
     std::filesystem::path MakeDemo;            ///< not empty: write the demo sound to this file and leave
+    bool CheckDisplay = false;                 ///< say by the exit status whether a display can be reached
     std::pair<int, int> WindowSize{1280, 800}; ///< of a screenshot or tour, in logical pixels
 
     /// Nobody sits at the screen: no questions, no stored settings, no running instance.

@@ -8,7 +8,10 @@
 #include "host/HostWindow.h"
 #include "host/Module.h"
 #include "host/Options.h"
+#include "host/ScratchHome.h"
 #include "host/SettingsStore.h"
+#include "host/SignalWatch.h"
+#include "host/SkinChoice.h"
 #include "host/Unattended.h"
 
 #include "debugmanager/DebugManager.h"
@@ -26,27 +29,37 @@ namespace ek {
 
 namespace {
 
-bool HasDisplay()
+constexpr int SignalExitStatus = 128; ///< plus the signal's number, as shells have it
+
+bool IsSet(const char* variable)
 {
-    return std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY") || std::getenv("QT_QPA_PLATFORM");
+    const char* value = std::getenv(variable);
+    return value && *value;
 }
 
 /// Without a display Qt would end the process with a message about its plug-ins.
 bool ChoosePlatform(const Options& options)
 {
-    if (HasDisplay())
+    if (IsSet("QT_QPA_PLATFORM"))
         return true;
     if (options.IsUnattended()) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         return true;
     }
+    if (IsSet("DISPLAY") || IsSet("WAYLAND_DISPLAY"))
+        return true;
     std::fprintf(stderr, "There is no display: neither DISPLAY nor WAYLAND_DISPLAY is set.\n");
     return false;
 }
 
-/// What Qt remarks about a platform without a screen would stand between the lines of a tour.
-void LogQtMessage(QtMsgType, const QMessageLogContext&, const QString& text)
+/// What Qt remarks about a platform without a screen would stand between the lines of a tour. After a fatal message Qt
+/// would end the process by a signal, as if it had crashed.
+void LogQtMessage(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
+    if (type == QtFatalMsg) {
+        std::fprintf(stderr, "%s\n", qPrintable(text));
+        std::_Exit(1);
+    }
     enDebugManager().WriteLogMessage("Qt", LogInformation, "%s", qPrintable(text));
 }
 
@@ -83,18 +96,38 @@ void BringToFront(QWidget& window)
     QApplication::alert(&window);
 }
 
-int RunAttended(HostWindow& window, const Options& options, const HandOverListener& listener)
+/// The module may wait in a call of its own, to which this does not return.
+[[noreturn]] void LeaveAtOnce(HostWindow& window, HandOverListener& listener, int signal)
+{
+    window.LeaveWithoutAsking();
+    listener.Close();
+    std::_Exit(SignalExitStatus + signal);
+}
+
+int RunAttended(HostWindow& window, const Options& options, HandOverListener& listener)
 {
     const HandOverServer server(listener, [&window](const std::vector<std::filesystem::path>& files) {
-        window.OpenFiles(files);
+        if (!window.OpenFiles(files))
+            return false;
         BringToFront(window);
+        return true;
     });
+    const SignalWatch signalWatch([&window] { window.close(); },
+                                  [&](int signal) { LeaveAtOnce(window, listener, signal); });
     window.OpenFiles(options.Files);
     window.show();
     return QApplication::exec();
 }
 
-int RunWindow(const Options& options, const HandOverListener& listener)
+bool IsSkinKnown(HostWindow& window, const std::string& name)
+{
+    if (name.empty() || window.Skins().Has(name))
+        return true;
+    std::fprintf(stderr, "There is no skin named \"%s\".\n", name.c_str());
+    return false;
+}
+
+int RunWindow(const Options& options, HandOverListener& listener)
 {
     ModuleExports module;
     std::string reason;
@@ -109,11 +142,46 @@ int RunWindow(const Options& options, const HandOverListener& listener)
     if (isUnattended && options.Skin.empty())
         windowOptions.SkinOfThisRun = "Light";
     HostWindow window(module, settings, windowOptions);
+    if (!IsSkinKnown(window, options.Skin) && isUnattended)
+        return 1;
     if (!window.Start()) {
         TellOfFailure(options, QObject::tr("The editor module cannot be started."));
         return 1;
     }
     return isUnattended ? RunUnattended(window, options) : RunAttended(window, options, listener);
+}
+
+/// Without a display that can be reached the process ends in here.
+int CheckDisplay(int argc, char** argv)
+{
+    qInstallMessageHandler(LogQtMessage);
+    const QGuiApplication application(argc, argv);
+    return 0;
+}
+
+int RunUnattendedProgram(const Options& options, int argc, char** argv)
+{
+    const ScratchHome home;
+    if (!home.IsMade()) {
+        std::fprintf(stderr, "There is no folder for temporary files.\n");
+        return 1;
+    }
+    qInstallMessageHandler(LogQtMessage);
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    const QApplication application(argc, argv);
+    DressApplication();
+    HandOverListener listener;
+    return RunWindow(options, listener);
+}
+
+int RunAttendedProgram(const Options& options, int argc, char** argv)
+{
+    HandOverListener listener;
+    if (!options.NewInstance && JoinRunningEditor(HandOverSocket(), options.Files, listener) == StartKind::HandedOver)
+        return 0;
+    const QApplication application(argc, argv);
+    DressApplication();
+    return RunWindow(options, listener);
 }
 
 } // namespace
@@ -128,17 +196,11 @@ int RunProgram(int argc, char** argv)
         return MakeDemo(options->MakeDemo);
     if (!ChoosePlatform(*options))
         return 1;
-    HandOverListener listener;
-    const bool isAlone = options->NewInstance || options->IsUnattended();
-    if (!isAlone && JoinRunningEditor(HandOverSocket(), options->Files, listener) == StartKind::HandedOver)
-        return 0;
+    if (options->CheckDisplay)
+        return CheckDisplay(argc, argv);
     RaiseOpenFileLimit();
-    if (options->IsUnattended())
-        qInstallMessageHandler(LogQtMessage);
-    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, options->IsUnattended());
-    QApplication application(argc, argv);
-    DressApplication();
-    return RunWindow(*options, listener);
+    return options->IsUnattended() ? RunUnattendedProgram(*options, argc, argv)
+                                   : RunAttendedProgram(*options, argc, argv);
 }
 
 } // namespace ek

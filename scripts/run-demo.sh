@@ -9,10 +9,10 @@ tour=build/tour
 
 [[ -f $demo ]] || "$editor" --make-demo "$demo"
 
-if [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
+if "$editor" --check-display 2>/dev/null; then
     exec "$editor" "$demo"
 fi
-echo "There is no display here (neither DISPLAY nor WAYLAND_DISPLAY is set), so the editor takes a tour by itself."
+echo "There is no display here that can be reached, so the editor takes a tour by itself."
 "$editor" --tour "$tour" "$demo"
 echo "What it saw and saved is in $tour:"
 ls -l "$tour"

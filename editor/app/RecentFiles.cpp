@@ -27,7 +27,8 @@ void RecentFiles::Load(SettingsPort& settings)
 {
     for (size_t position = 0; position < Limit && m_paths.size() < Limit; ++position) {
         const auto value = settings.ReadSetting(KeyOf(position));
-        if (value && IsFile(*value))
+        const auto isValue = [&](const auto& held) { return SameFile(held, *value); };
+        if (value && IsFile(*value) && std::ranges::none_of(m_paths, isValue))
             m_paths.emplace_back(*value);
     }
 }

@@ -26,7 +26,7 @@ public:
 
     const std::vector<std::filesystem::path>& Paths() const { return m_paths; }
 
-    /// Appends the stored entries that are still files.
+    /// Appends the stored entries that are still files, each once.
     void Load(SettingsPort& settings);
     void Save(SettingsPort& settings) const; ///< positions without a file are stored empty
     /// Puts the file in front. False, and nothing changed, when it is there already or is no file. One file under two

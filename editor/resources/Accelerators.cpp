@@ -11,6 +11,8 @@ namespace {
 
 // Values of Qt::Key and Qt::KeyboardModifier; letters are their capital's code.
 constexpr int KeyTab = 0x01000001;
+constexpr int KeyUp = 0x01000013;
+constexpr int KeyDown = 0x01000015;
 constexpr int KeyF4 = 0x01000033;
 constexpr uint32_t None = 0;
 constexpr uint32_t Shift = 0x02000000;
@@ -30,11 +32,36 @@ constexpr Accelerator Entries[] = {
 
 constexpr AcceleratorTable Table{Entries, std::size(Entries)};
 
+// Shift turns '=' into '+' and '0' into ')' on many keyboards.
+constexpr Accelerator ViewEntries[] = {
+    {'+', Ctrl, false, ID_ZOOM_IN},
+    {'+', Ctrl | Shift, false, ID_ZOOM_IN},
+    {'=', Ctrl, false, ID_ZOOM_IN},
+    {'-', Ctrl, false, ID_ZOOM_OUT},
+    {'0', Ctrl, false, ID_ZOOM_FULL},
+    {'E', Ctrl | Shift, false, ID_FIT_SELECTION},
+    {KeyUp, Ctrl, false, ID_SCALE_IN},
+    {KeyDown, Ctrl, false, ID_SCALE_OUT},
+    {KeyUp, Ctrl | Shift, false, ID_ZOOM_IN_VERTICAL},
+    {KeyDown, Ctrl | Shift, false, ID_ZOOM_OUT_VERTICAL},
+    {'V', Ctrl | Shift, false, ID_PASTE_MIX},
+    {'0', Ctrl | Shift, false, ID_CENTER_VIEW},
+    {')', Ctrl | Shift, false, ID_CENTER_VIEW},
+    {'O', Ctrl | Shift, false, ID_OVERVIEW},
+};
+
+constexpr AcceleratorTable ViewTable{ViewEntries, std::size(ViewEntries)};
+
 } // namespace
 
 const AcceleratorTable& MainAccelerators()
 {
     return Table;
+}
+
+const AcceleratorTable& ViewAccelerators()
+{
+    return ViewTable;
 }
 
 } // namespace ek

@@ -37,6 +37,18 @@ constexpr MenuItem EditMenu[] = {
 
 constexpr MenuItem ViewMenu[] = {
     {ID_EFFECTS_LIBRARY, "Effects Library"},
+    Separator,
+    {ID_ZOOM_IN, "Zoom In\tCtrl++"},
+    {ID_ZOOM_OUT, "Zoom Out\tCtrl+-"},
+    {ID_ZOOM_FULL, "Zoom Full\tCtrl+0"},
+    {ID_FIT_SELECTION, "Fit Selection\tCtrl+Shift+E"},
+    Separator,
+    {ID_ZOOM_IN_VERTICAL, "Zoom In Vertical\tCtrl+Shift+Up"},
+    {ID_ZOOM_OUT_VERTICAL, "Zoom Out Vertical\tCtrl+Shift+Down"},
+    {ID_SCALE_IN, "Scale In\tCtrl+Up"},
+    {ID_SCALE_OUT, "Scale Out\tCtrl+Down"},
+    {ID_CENTER_VIEW, "Center View\tCtrl+Shift+0"},
+    {ID_OVERVIEW, "Show/Hide Overview\tCtrl+Shift+O"},
 };
 
 constexpr MenuItem MorphMenu[] = {

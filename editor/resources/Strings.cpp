@@ -30,6 +30,7 @@ constexpr Text Table[] = {
     {IDS_SOUND_FORMAT, "Sound Format"},
     {IDS_REPLACE_FILE, "%s already exists.\nDo you want to replace it?"},
     {IDS_LICENCE, "Free software under the GNU General Public License, version 3 or later. It comes with no warranty."},
+    {IDS_ZOOM_RATIO, "Zoom ratio"},
 };
 
 } // namespace

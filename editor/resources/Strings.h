@@ -23,6 +23,7 @@ enum StringId : uint32_t {
     IDS_SOUND_FORMAT = 20003,
     IDS_REPLACE_FILE = 20004,
     IDS_LICENCE = 20005,
+    IDS_ZOOM_RATIO = 20006,
 };
 
 /// Every text that a person sees comes from here: for a command its status text, a newline and its tool tip, else

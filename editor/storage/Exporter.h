@@ -45,8 +45,8 @@ private:
     TempFileList& m_files;
     const std::filesystem::path m_target;
     const std::string m_fileName;
-    const std::string m_suffix;    ///< of the name that the user gave: the extension with its dot
-    const std::string m_extension; ///< the same without it
+    const std::string m_suffix;      ///< of the name that the user gave: the extension with its dot
+    const std::string m_extension;   ///< the same without it
     std::filesystem::path m_written; ///< the new file while it is this exporter's to delete
     StreamProperties m_savedProperties;
     CoderHandle m_coder = 0;

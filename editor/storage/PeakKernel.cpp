@@ -9,7 +9,7 @@ namespace ek {
 
 namespace {
 
-constexpr uint32_t Lanes = 8;
+constexpr size_t Lanes = 8;
 using Vector = int16_t __attribute__((vector_size(2 * Lanes)));
 
 Vector LoadVector(const int16_t* values)
@@ -36,7 +36,7 @@ void ExtremesOf(const int16_t* frames, uint64_t count, PeakPair* extremes)
             high[i] = vector > high[i] ? vector : high[i];
         }
     }
-    for (uint32_t value = 0; value < Lanes * Channels; ++value)
+    for (size_t value = 0; value < Lanes * Channels; ++value)
         Widen(extremes[value % Channels], {low[value / Lanes][value % Lanes], high[value / Lanes][value % Lanes]});
 }
 

@@ -89,8 +89,8 @@ public:
     // Edits of frames, each behind a progress. One channel is edited when the code is not ChannelAll. Where no room
     // could be made or removed, nothing has changed. An edit that stops later (false, Failed or Cancelled) has the
     // length it was to get and is done up to where it stopped; behind that the range holds the old frames, or, in a
-    // replacement of all channels by a longer block, any. Peaks are renewed after a finished edit; when that fails
-    // there are none, and the edit is done all the same.
+    // replacement of all channels by a longer block, any. Deleting, replacing and mixing renew the
+    // peaks when they finish; where that fails there are none, and the edit is done all the same.
     enum class Direction { StoreToBlock, BlockToStore };
     WorkResult ExchangeFrames(SoundBuffer& block, uint64_t start, uint64_t count, ChannelCode code, Direction direction,
                               const std::string& caption, bool cancellable);

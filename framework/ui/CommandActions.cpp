@@ -24,16 +24,13 @@ CommandMenu::CommandMenu(const QString& title, CommandRouter& router, QWidget* p
     : QMenu(title, parent), m_router(router)
 {
     connect(this, &QMenu::aboutToShow, this, &CommandMenu::UpdateActions);
-    connect(this, &QMenu::hovered, this, [this](QAction* action) {
-        if (const uint32_t id = CommandOf(*action))
-            m_router.OnCommandHovered(id);
-    });
 }
 
-QAction* CommandMenu::AddCommand(uint32_t id, const QString& text)
+QAction* CommandMenu::AddCommand(uint32_t id, const QString& text, const QString& statusText)
 {
     QAction* action = addAction(text);
     action->setData(id);
+    action->setStatusTip(statusText);
     return action;
 }
 

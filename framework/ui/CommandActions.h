@@ -13,7 +13,6 @@ class CommandRouter {
 public:
     /// As CCmdTarget::OnCmdMsg.
     virtual bool RouteCommand(uint32_t id, CommandCode code, CommandUi* ui) = 0;
-    virtual void OnCommandHovered(uint32_t id) = 0; ///< to show the command's status text
 
 protected:
     ~CommandRouter() = default;
@@ -26,14 +25,15 @@ uint32_t CommandOf(const QAction& action); ///< 0: the action is no command
 void UpdateAction(QAction& action, CommandRouter& router);
 
 /// A menu of commands. Each action's data() is its command id. Whoever shows the menu also runs the chosen command;
-/// the menu itself keeps the state of its actions current and reports what the pointer rests on.
+/// the menu itself keeps the state of its actions current.
 class CommandMenu : public QMenu {
     Q_OBJECT
 public:
     CommandMenu(const QString& title, CommandRouter& router, QWidget* parent);
 
-    /// `text` may name a key behind a tab; the key does nothing by itself.
-    QAction* AddCommand(uint32_t id, const QString& text);
+    /// `text` may name a key behind a tab; the key does nothing by itself. `statusText` is for the status bar of the
+    /// window that shows the menu.
+    QAction* AddCommand(uint32_t id, const QString& text, const QString& statusText);
     void AddPlaceholder(const QString& text); ///< a line that is never enabled
     void RemoveCommands(uint32_t firstId, uint32_t lastId);
 

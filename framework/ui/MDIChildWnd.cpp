@@ -13,6 +13,8 @@ namespace ek {
 CMDIChildWnd::CMDIChildWnd(CDocument& document) : m_document(document)
 {
     setAttribute(Qt::WA_DeleteOnClose);
+    // A maximized window would otherwise put its title and buttons into the host's own.
+    setStyleSheet("QMdiSubWindow { mdi-fill-space-on-maximize: 1; }");
     m_document.AddObserver(*this);
     UpdateTitle();
 }

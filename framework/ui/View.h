@@ -18,6 +18,8 @@ public:
     virtual void SetActiveFormat(const WAVEFORMATEXTENSIBLE& format) = 0;
     /// Runs a command as if it came from a menu.
     virtual bool RunCommand(uint32_t id) = 0;
+    /// What came along with the command that is running: for the history lists the tool bar's QWidget; else 0.
+    virtual intptr_t CommandParameter() const { return 0; }
     /// Shows a text in the host's status bar; empty clears it.
     virtual void ShowStatusText(const QString& text) = 0;
 

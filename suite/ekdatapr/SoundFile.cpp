@@ -61,17 +61,21 @@ bool SoundFile::OpenForReading(const std::filesystem::path& path)
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error) || !m_stream.OpenForReading(path).Ok())
         return false;
-    if (!Attach(SFM_READ))
-        return false;
-    if (const auto patch = m_info.frames == 0 ? PatchUnfinished(m_stream) : std::nullopt) {
+    const bool opened = Attach(SFM_READ);
+    const bool hasSound = opened && m_info.frames > 0;
+    if (const auto patch = hasSound ? std::nullopt : PatchUnfinished(m_stream))
+        return m_stream.Error().Ok() && Reopen(*patch);
+    return opened && m_stream.Error().Ok();
+}
+
+bool SoundFile::Reopen(const HeaderPatch& patch)
+{
+    if (m_handle)
         sf_close(std::exchange(m_handle, nullptr));
-        m_stream.Seek(0);
-        m_info = {};
-        m_patch = *patch;
-        if (!Attach(SFM_READ))
-            return false;
-    }
-    return m_stream.Error().Ok();
+    m_stream.Seek(0);
+    m_info = {};
+    m_patch = patch;
+    return Attach(SFM_READ) && m_stream.Error().Ok();
 }
 
 uint64_t SoundFile::Read(void* buffer, uint64_t bytes)

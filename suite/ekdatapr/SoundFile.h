@@ -40,6 +40,7 @@ public:
 
 private:
     bool Attach(int mode);
+    bool Reopen(const HeaderPatch& patch);
 
     FileStream m_stream;
     SNDFILE* m_handle = nullptr;

@@ -168,7 +168,7 @@ TEST_F(BadInput, SizesThatWereNeverFilledInGiveAllFramesOfOtherContainers)
     }
 }
 
-TEST_F(BadInput, CutFilesGiveNoMoreThanTheirFrames)
+TEST_F(BadInput, CutFilesGiveNearlyAllOfWhatIsThereAndNoMoreThanTheirFrames)
 {
     const Sound sound = MakeTones(48000, 2, 6000);
     for (const std::string name :
@@ -181,10 +181,12 @@ TEST_F(BadInput, CutFilesGiveNoMoreThanTheirFrames)
                 EXPECT_LE(Read(name).Frames(), 6000u) << name << step;
             }
         }
+        if (name != "a.ogg" && name != "a.opus") { // whose last page goes as a whole
+            EXPECT_GE(Read(name).Frames(), 4000u) << name;
+        }
         if (name != "a.mp3" && name != "a.ogg" && name != "a.opus") {
             WriteBytes(name, {bytes.begin(), bytes.end() - 400});
             const std::vector<int16_t> cut = Read(name).Values;
-            ASSERT_GE(cut.size(), sound.Values.size() * 3 / 10) << name;
             ASSERT_LE(cut.size(), sound.Values.size()) << name;
             EXPECT_TRUE(std::equal(cut.begin(), cut.end(), sound.Values.begin())) << name;
         }

@@ -37,11 +37,6 @@ TEST(ChannelMatrix, MonoFillsTheFrontPairOrTheCentre)
         ExpectRow(toQuad, output, {output < 2 ? 1.0 : 0.0});
 }
 
-TEST(ChannelMatrix, StereoBecomesMonoByItsMean)
-{
-    ExpectRow(MakeChannelMatrix(2, 0x3, 1, 0x4), 0, {0.5, 0.5});
-}
-
 TEST(ChannelMatrix, SurroundFoldsIntoStereoWithCentreAndRearThreeDecibelsDown)
 {
     const ChannelMatrix matrix = MakeChannelMatrix(6, 0x3F, 2, 0x3);

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "CodecFixture.h"
 
+#include "ekdatapr/Id3.h"
+#include "platform/Text.h"
 #include "servicefuncs/Channels.h"
 #include "support/Signals.h"
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <limits>
 #include <numbers>
 #include <random>
@@ -236,6 +239,63 @@ TEST_F(DecoderTest, TagsThatAreNotUtf8AreReadAsLatin1)
     sf_close(file);
     EXPECT_EQ(EkGetTags(PropertiesOf("a.wav")),
               (std::map<std::string, std::string>{{"title", "Größe"}, {"artist", "é"}}));
+}
+
+TEST_F(DecoderTest, Id3ChunksOfOtherProgramsAreRead)
+{
+    const std::string utf16("\x01\xFF\xFE"
+                            "G\0r\0\xF6\0\xDF\0"
+                            "e\0",
+                            13);
+    const std::string comment("\0"
+                              "engnote\0"
+                              "spoken",
+                              15);
+    std::string frames;
+    for (const auto& [id, content] : {std::pair<std::string, std::string>{"TIT2", std::string("\0Gr\xF6n", 5)},
+                                      {"TALB", utf16},
+                                      {"COMM", comment},
+                                      {"TYER", std::string("\0"
+                                                           "1999",
+                                                           5)},
+                                      {"APIC", std::string(300, 'p')}}) {
+        frames += id + std::string{0, 0, char(content.size() >> 8), char(content.size()), 0, 0} + content;
+    }
+    frames += std::string(20, '\0'); // padding
+    std::string tag =
+        std::string("ID3\x03\0\0\0\0", 8) + char(frames.size() >> 7) + char(frames.size() & 0x7F) + frames;
+    tag.resize((tag.size() + 1) / 2 * 2);
+    for (const std::string id : {"ID3 ", "id3 "}) {
+        ASSERT_TRUE(Write("a.wav", MakeNoiseSound(2, 100)));
+        std::ofstream file(Path("a.wav"), std::ios::binary | std::ios::app);
+        file << id << std::string{char(tag.size()), char(tag.size() >> 8), 0, 0} << tag;
+        file.close();
+        std::vector<char> bytes = ReadBytes(Path("a.wav"));
+        const auto riffBytes = static_cast<uint32_t>(bytes.size() - 8);
+        std::fstream header(Path("a.wav"), std::ios::binary | std::ios::in | std::ios::out);
+        header.seekp(4).write(reinterpret_cast<const char*>(&riffBytes), sizeof riffBytes);
+        header.close();
+        EXPECT_EQ(EkGetTags(PropertiesOf("a.wav")),
+                  (std::map<std::string, std::string>{
+                      {"title", "Grön"}, {"album", "Größe"}, {"comment", "spoken"}, {"date", "1999"}}));
+        std::filesystem::remove(Path("a.wav"));
+    }
+}
+
+TEST(Id3, BrokenTagsSayNothingWrongAndNeverReadBeyondTheirEnd)
+{
+    const std::string good = MakeId3Tag({{"title", "abc"}, {"comment", "def"}}, "me");
+    EXPECT_EQ(ReadId3Tag(good), (TagMap{{"title", "abc"}, {"comment", "def"}}));
+    for (size_t size = 0; size < good.size(); ++size)
+        EXPECT_TRUE(ReadId3Tag(std::string(good, 0, size)).empty()) << size;
+    std::mt19937 random(1);
+    for (int round = 0; round < 5000; ++round) {
+        std::string bad = good;
+        for (int i = 0; i < 4; ++i)
+            bad[random() % bad.size()] = static_cast<char>(random());
+        for (const auto& [name, text] : ReadId3Tag(bad))
+            EXPECT_TRUE(IsUtf8(text) && !text.empty());
+    }
 }
 
 } // namespace

@@ -26,7 +26,7 @@ Options Parsed(const std::vector<std::string>& arguments)
 TEST(CommandLineTest, FilesAreMadeAbsoluteAndKeepTheirBytes)
 {
     const auto here = std::filesystem::current_path();
-    const Options options = Parsed({"a.wav", "/b \"c\".wav", "sub/../\xff.wav", "--", "--version"});
+    const Options options = Parsed({"a.wav", "", "/b \"c\".wav", "sub/../\xff.wav", "--", "--version"});
     const std::vector<std::filesystem::path> expected = {here / "a.wav", "/b \"c\".wav", here / "\xff.wav",
                                                          here / "--version"};
     EXPECT_EQ(options.Files, expected);
@@ -87,9 +87,9 @@ TEST(OpenRequestTest, AFileThatCannotBeAskedForIsRefusedAndTheOthersStay)
     const OpenRequest request = MakeOpenRequest(
         {folder.Write("a\" \"b.wav", ""), folder.Write("\xff.wav", ""), good, folder / "missing.wav", folder.Path()});
     EXPECT_EQ(ToUtf8(request.Text), "Open \"" + good.native() + "\"");
-    EXPECT_THAT(request.Refusals,
-                testing::ElementsAre(testing::HasSubstr("double quote"), testing::HasSubstr("UTF-8"),
-                                     testing::EndsWith("missing.wav"), testing::EndsWith(folder.Path().native())));
+    EXPECT_THAT(request.Refusals, testing::ElementsAre(testing::HasSubstr("double quote"), testing::HasSubstr("UTF-8"),
+                                                       "Can't open file missing.wav",
+                                                       "Can't open file " + folder.Path().filename().native()));
 }
 
 } // namespace

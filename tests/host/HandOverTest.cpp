@@ -101,7 +101,7 @@ TEST(HandOverTest, NobodyListensAfterTheEditorHasGone)
         ASSERT_TRUE(listener.Listen(folder / "socket"));
     }
     EXPECT_FALSE(std::filesystem::exists(folder / "socket"));
-    EXPECT_FALSE(SendHandOver(folder / "socket", {"/a.wav"}));
+    EXPECT_EQ(SendHandOver(folder / "socket", {"/a.wav"}), HandOverResult::Nobody);
 }
 
 TEST(HandOverTest, ASocketThatCannotBeMadeIsAFirstStart)
@@ -112,6 +112,60 @@ TEST(HandOverTest, ASocketThatCannotBeMadeIsAFirstStart)
     EXPECT_EQ(JoinRunningEditor(folder / "missing" / "socket", {}, listener), StartKind::First);
     EXPECT_EQ(JoinRunningEditor(folder / std::string(200, 'x'), {}, listener), StartKind::First);
     EXPECT_LT(listener.Descriptor(), 0);
+}
+
+TEST(HandOverTest, AnEditorThatDoesNotAnswerKeepsItsSocket)
+{
+    const Scratch folder;
+    const auto socket = folder / "socket";
+    HandOverListener running;
+    ASSERT_TRUE(running.Listen(socket));
+    HandOverListener second;
+    auto start = std::async(std::launch::async, [&] { return JoinRunningEditor(socket, {"/a.wav"}, second); });
+    pollfd wait{.fd = running.Descriptor(), .events = POLLIN, .revents = 0};
+    poll(&wait, 1, -1);
+    close(running.Accept());
+    EXPECT_EQ(start.get(), StartKind::First);
+    EXPECT_LT(second.Descriptor(), 0);
+
+    auto next = std::async(std::launch::async, [&] { return SendHandOver(socket, {"/a.wav"}); });
+    poll(&wait, 1, -1);
+    Answer(running.Accept());
+    EXPECT_EQ(next.get(), HandOverResult::Accepted);
+}
+
+TEST(HandOverTest, AnEditorThatGoesLeavesTheSocketOfAnother)
+{
+    const Scratch folder;
+    HandOverListener other;
+    {
+        HandOverListener first;
+        ASSERT_TRUE(first.Listen(folder / "socket"));
+        ASSERT_TRUE(other.Listen(folder / "socket"));
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder / "socket"));
+}
+
+TEST(HandOverTest, ARefusalIsAnsweredAndTheSenderKeepsItsFiles)
+{
+    const Scratch folder;
+    HandOverListener listener;
+    ASSERT_TRUE(listener.Listen(folder / "socket"));
+    QEventLoop loop;
+    int asked = 0;
+    const HandOverServer server(listener, [&](const Paths&) {
+        ++asked;
+        return false;
+    });
+    std::atomic<HandOverResult> result = HandOverResult::Accepted;
+    std::jthread sender([&] {
+        result = SendHandOver(folder / "socket", {"/a.wav"});
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    });
+    loop.exec();
+    sender.join();
+    EXPECT_EQ(result, HandOverResult::NoAnswer);
+    EXPECT_EQ(asked, 1);
 }
 
 TEST(HandOverTest, TheRunningEditorReceivesTheFilesAndAnswers)
@@ -126,10 +180,11 @@ TEST(HandOverTest, TheRunningEditorReceivesTheFilesAndAnswers)
     const HandOverServer server(listener, [&](const Paths& files) {
         received = files;
         loop.quit();
+        return true;
     });
     auto answered = std::async(std::launch::async, [&] { return SendHandOver(folder / "socket", many); });
     loop.exec();
-    EXPECT_TRUE(answered.get());
+    EXPECT_EQ(answered.get(), HandOverResult::Accepted);
     EXPECT_EQ(received, many);
 }
 

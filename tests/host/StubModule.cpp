@@ -48,6 +48,7 @@ void ChangeState(QWidget*, int active)
 void Free(QWidget* frame)
 {
     g_module->Calls.push_back("Free");
+    g_module->Menu.reset();
     delete frame;
 }
 
@@ -88,6 +89,8 @@ int OnCmdMsg(QWidget*, uint32_t id, int code, void* extra, void*)
 int TryClose()
 {
     g_module->Calls.push_back("TryClose");
+    if (g_module->OnTryClose)
+        g_module->OnTryClose();
     return g_module->MayClose;
 }
 

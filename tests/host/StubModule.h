@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -16,7 +17,7 @@ namespace ek {
 
 class CHostFrame;
 
-/// A module that records what the host asks of it. One at a time.
+/// A module that records what the host asks of it. Its menus go when it is freed. One at a time.
 class StubModule {
 public:
     StubModule();
@@ -33,6 +34,7 @@ public:
     int TakenKey = 0; ///< the key that the module keeps for itself
     int KeysSeen = 0;
     int IdleCalls = 0;
+    std::function<void()> OnTryClose;
     bool MayClose = true;
     bool Refuses = false;
 

@@ -64,6 +64,22 @@ protected:
         return loop.exec() == 0;
     }
 
+    /// Opens the File menu as a person does; where the entry is in it.
+    QPoint ClickFileMenu(QAction* entry)
+    {
+        QMenuBar* bar = m_window->menuBar();
+        QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(bar->actions().first()).center());
+        EXPECT_TRUE(m_module.FileMenu->isVisible());
+        return m_module.FileMenu->actionGeometry(entry).center();
+    }
+
+    /// A menu that has just opened takes the pointer for moved only after some distance or several movements.
+    void HoverFileMenu(const QPoint& position)
+    {
+        for (int i = 0; i < 10; ++i)
+            QTest::mouseMove(m_module.FileMenu, position + QPoint(i % 2, 0));
+    }
+
     void AboutToSleep() { QMetaObject::invokeMethod(QAbstractEventDispatcher::instance(), "aboutToBlock"); }
 
     Scratch m_folder;
@@ -157,6 +173,67 @@ TEST_F(WindowTest, TheHostsEntriesStayLastWhenTheModuleAddsSome)
     EXPECT_EQ(TextsOf(*m_window->menuBar()), (QStringList{"File", "View", "Window", "Help"}));
 }
 
+TEST_F(WindowTest, QuitFreesTheModuleOnlyWhenItsMenuHasFinished)
+{
+    Start();
+    const QPoint quit = ClickFileMenu(m_module.FileMenu->actions().last());
+    m_module.Calls.clear();
+    QTest::mouseClick(m_module.FileMenu, Qt::LeftButton, {}, quit);
+    EXPECT_THAT(m_module.Calls, IsEmpty());
+    QCoreApplication::processEvents();
+    EXPECT_THAT(m_module.Calls, ElementsAre("TryClose", "ChangeState 0", "Free"));
+    EXPECT_FALSE(m_window->isVisible());
+}
+
+TEST_F(WindowTest, TheStatusTextOfAnEntryUnderThePointerIsShown)
+{
+    m_module.FileMenu->actions()[0]->setStatusTip("Opens a sound");
+    Start();
+    const QPoint open = ClickFileMenu(m_module.FileMenu->actions()[0]);
+    HoverFileMenu(open);
+    EXPECT_EQ(m_window->statusBar()->currentMessage(), "Opens a sound");
+    HoverFileMenu(m_module.FileMenu->actionGeometry(m_module.FileMenu->actions()[1]).center());
+    EXPECT_EQ(m_window->statusBar()->currentMessage(), "");
+}
+
+TEST_F(WindowTest, NothingIsAskedOfAModuleThatRunsALoopOfItsOwn)
+{
+    Start();
+    const auto file = m_folder.Write("a.wav", "");
+    QEventLoop program;
+    QTimer::singleShot(0, &program, [&] {
+        m_module.Calls.clear();
+        m_module.Host->GetServices()->RefreshMenu(u"Ek Wave Editor");
+        m_window->OpenFiles({file});
+        QEventLoop progress;
+        QTimer::singleShot(0, &progress, [&] {
+            m_window->Settle();
+            m_window->Settle();
+            EXPECT_FALSE(m_window->close());
+            progress.quit();
+        });
+        progress.exec();
+        EXPECT_THAT(m_module.Calls, IsEmpty());
+        EXPECT_THAT(m_module.Requests, IsEmpty());
+        program.quit();
+    });
+    program.exec();
+    EXPECT_TRUE(Comes([&] { return !m_module.Requests.empty(); }));
+    EXPECT_THAT(m_module.Calls, ElementsAre("GetMenu"));
+    EXPECT_TRUE(m_window->close());
+}
+
+TEST_F(WindowTest, FilesThatArriveWhileItAsksKeepTheEditorOpen)
+{
+    Start();
+    m_module.OnTryClose = [this] { m_window->OpenFiles({m_folder.Write("a.wav", "")}); };
+    EXPECT_FALSE(m_window->close());
+    EXPECT_TRUE(Comes([&] { return !m_module.Requests.empty(); }));
+    m_module.OnTryClose = nullptr;
+    EXPECT_TRUE(m_window->close());
+    EXPECT_FALSE(m_window->OpenFiles({m_folder / "a.wav"}));
+}
+
 TEST_F(WindowTest, AnOpenMenuIsNotRebuiltUnderThePointer)
 {
     Start();
@@ -225,6 +302,11 @@ TEST_F(WindowTest, IdleTimeFollowsActivityAndThenStops)
     EXPECT_GE(afterStart, 1);
     QTest::keyClick(m_window->windowHandle(), Qt::Key_J);
     EXPECT_TRUE(Comes([&] { return m_module.IdleCalls > afterStart; }));
+
+    const int afterKey = m_module.IdleCalls;
+    int ticks = 0;
+    EXPECT_TRUE(Comes([&] { return ++ticks == 80; }));
+    EXPECT_LE(m_module.IdleCalls, afterKey + 1) << "timers alone keep the process busy";
 }
 
 TEST_F(WindowTest, FilesAreOpenedAsOneRequest)
@@ -244,9 +326,10 @@ TEST_F(WindowTest, ATextOfTheModuleAppearsInTheStatusBar)
     Start();
     const char16_t text[] = u"/music/a.wav";
     for (const uintptr_t command : {11000, 11001, 11002}) {
+        m_window->statusBar()->clearMessage();
         MessageEvent message(EK_WM_COMMAND, command, reinterpret_cast<intptr_t>(text));
         EXPECT_TRUE(QCoreApplication::sendEvent(m_module.Frame->parentWidget()->parentWidget(), &message)) << command;
-        EXPECT_EQ(m_window->statusBar()->currentMessage(), "/music/a.wav");
+        EXPECT_EQ(m_window->statusBar()->currentMessage(), command == 11000 ? "/music/a.wav" : "") << command;
     }
     MessageEvent other(EK_WM_COMMAND, 13000, 0);
     EXPECT_FALSE(QCoreApplication::sendEvent(m_window.get(), &other));

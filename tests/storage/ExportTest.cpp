@@ -242,7 +242,8 @@ TEST_F(ExportTest, AFolderThatCannotBeSyncedIsLoggedAndTheSoundIsSaved)
     calls.FailCall(calls.CallCount(), EIO);
     EXPECT_TRUE(m_store.SaveFile(m_target, true, nullptr));
     EXPECT_TRUE(calls.HasFailed());
-    EXPECT_EQ(LoggedTexts(), std::vector<std::string>{"Error: Failed to sync the folder of \"" + m_target.string() + "\"."});
+    EXPECT_EQ(LoggedTexts(),
+              std::vector<std::string>{"Error: Failed to sync the folder of \"" + m_target.string() + "\"."});
     ExpectSaved(m_target, model);
     EXPECT_TRUE(m_prompts.Messages().empty());
 }

@@ -66,6 +66,7 @@ TEST_F(ImportTest, AnEightBitSourceIsStoredAsSixteenBit)
     wide.cbSize = 0;
     EXPECT_EQ(m_store.WorkingFormat(), wide);
     EXPECT_EQ(ReadAll(m_store), (std::vector<int16_t>{-32768, 0, 127 * 256, -256}));
+    EXPECT_TRUE(m_store.SaveFile(m_folder.Path() / "copy.wav", true, nullptr));
 }
 
 TEST_F(ImportTest, AWantedFormatConvertsAndTheSourcesOwnDoesNot)

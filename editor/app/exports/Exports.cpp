@@ -45,6 +45,7 @@ public:
     {
         m_frame = new CMainFrame(parent, App(), host);
         m_prompts.SetMainWindow(m_frame);
+        m_presenter.SetMainWindow(m_frame);
         m_frame->setGeometry(0, 0, 0, 0);
         m_frame->show();
         return m_frame;
@@ -140,6 +141,8 @@ void EkChangeState(QWidget* frameWindow, int active)
 void EkFree(QWidget* frameWindow)
 {
     Guarded(0, [&] {
+        if (IsWorkRunning()) // on the stack below this call, and it uses what would go
+            return 0;
         if (g_session && (!g_session->Frame() || FrameOf(frameWindow)))
             g_session.reset();
         return 0;

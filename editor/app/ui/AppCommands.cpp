@@ -52,8 +52,7 @@ void AppCommands::OnOpen()
     const std::string filter = CEkEditorApp::OpenFileFilter(false);
     if (filter.empty())
         return;
-    for (const std::filesystem::path& path : CurrentPrompts().ChooseFilesToOpen(filter))
-        m_frame.OpenFile(path);
+    m_frame.OpenFiles(CurrentPrompts().ChooseFilesToOpen(filter));
     m_frame.RefreshMenu();
 }
 

@@ -6,15 +6,16 @@
 #include "app/ModuleIdentity.h"
 #include "app/ui/AboutDialog.h"
 #include "app/ui/AcceleratorKeys.h"
+#include "app/ui/DialogHolder.h"
 #include "app/ui/FileDrop.h"
 #include "app/ui/MDIClient.h"
 #include "app/ui/MainToolBar.h"
 #include "app/ui/WEFrame.h"
+#include "background/ProgressDlg.h"
 #include "ek/HostAudioDevice.h"
 #include "ek/HostFrame.h"
 #include "platform/Text.h"
 #include "resources/Accelerators.h"
-#include "resources/Commands.h"
 #include "resources/Strings.h"
 #include "servicefuncs/MessageBox.h"
 #include "skincontrols/Skin.h"
@@ -24,6 +25,8 @@
 #include <QKeyEvent>
 #include <QStatusTipEvent>
 #include <QWindow>
+
+#include <utility>
 
 namespace ek {
 
@@ -89,6 +92,50 @@ bool CMainFrame::OpenFile(const std::filesystem::path& path)
     return true;
 }
 
+bool CMainFrame::IsBusy() const
+{
+    return m_isOpening || IsWorkRunning();
+}
+
+void CMainFrame::OpenFiles(const std::vector<std::filesystem::path>& paths)
+{
+    for (const std::filesystem::path& path : paths)
+        m_waitingFiles.push_back({path, nullptr});
+    OpenWaitingFiles();
+}
+
+void CMainFrame::OpenLater(const std::vector<std::filesystem::path>& paths)
+{
+    for (const std::filesystem::path& path : paths)
+        m_waitingFiles.push_back({path, nullptr});
+    OpenWaitingFilesLater();
+}
+
+void CMainFrame::OpenWaitingFilesLater()
+{
+    if (!m_waitingFiles.empty() && !IsBusy())
+        QMetaObject::invokeMethod(this, &CMainFrame::OpenWaitingFiles, Qt::QueuedConnection);
+}
+
+/// Opening runs an event loop of its own, which must not open the next file in the middle of this one. What arrives
+/// while something else runs waits for the idle time after it.
+void CMainFrame::OpenWaitingFiles()
+{
+    if (IsBusy())
+        return;
+    m_isOpening = true;
+    const QPointer<CMainFrame> self = this;
+    while (self && !m_waitingFiles.empty()) {
+        const WaitingFile next = m_waitingFiles.front();
+        m_waitingFiles.pop_front();
+        if (next.Replaced)
+            next.Replaced->close();
+        OpenFile(next.Path);
+    }
+    if (self)
+        m_isOpening = false;
+}
+
 void CMainFrame::NewDocument(const std::string& templateName)
 {
     m_app.CreateDocument(templateName, {});
@@ -101,12 +148,13 @@ void CMainFrame::PassMessage(std::string_view text)
     const PassedRequest request = ParsePassedRequest(text);
     if (!request.IsOpen)
         AfxSCMessageBox(Format(LoadString(IDS_PASSED_MESSAGE).c_str(), std::string(text).c_str()));
-    for (const std::filesystem::path& file : request.Files)
-        OpenFile(file);
+    OpenFiles(request.Files);
 }
 
 bool CMainFrame::TryClose()
 {
+    if (IsBusy())
+        return false;
     std::vector<CMDIChildWnd*> open = Children();
     while (!open.empty()) {
         const size_t before = open.size();
@@ -135,7 +183,7 @@ bool CMainFrame::HandleCommand(uint32_t id, int code, void* extra)
         CommandUi unasked{.Id = id};
         return OnCmdMsg(id, CN_UPDATE_COMMAND_UI, extra ? static_cast<CommandUi*>(extra) : &unasked);
     }
-    if (code != CN_COMMAND)
+    if (code != CN_COMMAND || IsWorkRunning())
         return false;
     MessageEvent message(EK_WM_COMMAND, id, reinterpret_cast<intptr_t>(extra));
     return OnHostMessage(message);
@@ -145,7 +193,12 @@ bool CMainFrame::OnHostMessage(MessageEvent& message)
 {
     if (const std::optional<bool> routed = m_transport.Route(message, ActiveView()))
         return *routed;
-    return message.Id == EK_WM_COMMAND && OnCmdMsg(static_cast<uint32_t>(message.WParam), CN_COMMAND, nullptr);
+    if (message.Id != EK_WM_COMMAND || IsWorkRunning())
+        return false;
+    const intptr_t outer = std::exchange(m_commandParameter, message.LParam);
+    const bool handled = OnCmdMsg(static_cast<uint32_t>(message.WParam), CN_COMMAND, nullptr);
+    m_commandParameter = outer;
+    return handled;
 }
 
 bool CMainFrame::RouteCommand(uint32_t id, CommandCode code, CommandUi* ui)
@@ -174,6 +227,8 @@ bool CMainFrame::PreTranslate(const WindowMessage& message)
         return false;
     const auto& key = static_cast<const QKeyEvent&>(*message.Event);
     const Accelerator* accelerator = FindAccelerator(MainAccelerators(), key);
+    if (!accelerator)
+        accelerator = FindAccelerator(ViewAccelerators(), key);
     if (!accelerator || IsKeyOfTextEntry(QApplication::focusWidget(), key) ||
         !HandleCommand(accelerator->Command, CN_UPDATE_COMMAND_UI, nullptr))
         return false;
@@ -194,6 +249,7 @@ Qt::KeyboardModifiers CMainFrame::CommandModifiers() const
 void CMainFrame::OnIdle()
 {
     m_toolBar->UpdateActions();
+    OpenWaitingFilesLater();
 }
 
 void CMainFrame::UpdateTransport()
@@ -245,13 +301,6 @@ void CMainFrame::ShowStatusText(const QString& text)
         m_services->ShowStatusText(text.toStdU16String().c_str(), StatusMilliseconds);
 }
 
-void CMainFrame::OnCommandHovered(uint32_t id)
-{
-    const std::string text = CommandStatusText(id);
-    if (!text.empty())
-        ShowStatusText(QString::fromStdString(text));
-}
-
 void CMainFrame::AddRecentFile(const std::filesystem::path& path)
 {
     if (m_recentFiles.Add(path))
@@ -290,9 +339,8 @@ void CMainFrame::ReopenAs(CDocument& document, const std::filesystem::path& path
     CMDIChildWnd* child = FindChild(document);
     if (!child)
         return;
-    QMetaObject::invokeMethod(child, &QWidget::close, Qt::QueuedConnection);
-    QMetaObject::invokeMethod(
-        this, [this, path] { OpenFile(path); }, Qt::QueuedConnection);
+    m_waitingFiles.push_back({path, child});
+    OpenWaitingFilesLater();
 }
 
 /// The host may show the frame's title as its own.
@@ -328,7 +376,7 @@ void CMainFrame::OnRecentFile(uint32_t id)
 
 void CMainFrame::OnAbout()
 {
-    AboutDialog(this).exec();
+    DialogHolder<AboutDialog>(this)->exec();
 }
 
 bool CMainFrame::event(QEvent* event)
@@ -361,10 +409,7 @@ void CMainFrame::dropEvent(QDropEvent* event)
 {
     if (!AcceptFileDrag(*event))
         return;
-    // Opening runs an event loop of its own, and the program that the files come from waits for the end of this drop.
-    for (const std::filesystem::path& file : DroppedFiles(*event->mimeData()))
-        QMetaObject::invokeMethod(
-            this, [this, file] { OpenFile(file); }, Qt::QueuedConnection);
+    OpenLater(DroppedFiles(*event->mimeData())); // the program that the files come from waits for the end of this drop
 }
 
 } // namespace ek

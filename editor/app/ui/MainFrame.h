@@ -10,6 +10,7 @@
 #include "framework/ui/MDIFrameWnd.h"
 #include "framework/ui/View.h"
 
+#include <deque>
 #include <mutex>
 #include <optional>
 
@@ -38,11 +39,16 @@ public:
     QMenu* Menu(); ///< the first call adds the recent files
 
     bool OpenFile(const std::filesystem::path& path); ///< on success the file is the latest of the recent ones
+    /// The files one after the other, behind those that wait already: at once, or when what runs has ended.
+    void OpenFiles(const std::vector<std::filesystem::path>& paths);
+    /// The same from the event loop; nothing is opened before this returns.
+    void OpenLater(const std::vector<std::filesystem::path>& paths);
     void NewDocument(const std::string& templateName);
     void PassMessage(std::string_view text); ///< a textual request of the host
-    bool TryClose();                         ///< false: the user kept a document open
+    bool TryClose();                         ///< false: the user kept a document open, or work is running
 
-    /// Runs a command, or fills in the CommandUi that `extra` points to; false when nobody handles it. For the host's
+    /// Runs a command, or fills in the CommandUi that `extra` points to; false when nobody handles it, or while
+    /// work is running. For the host's
     /// own commands `extra` is their parameter.
     bool HandleCommand(uint32_t id, int code, void* extra);
     bool PreTranslate(const WindowMessage& message); ///< true: it was a key of the module's and is done with
@@ -59,6 +65,7 @@ public:
     // ViewSite and DocumentSite
     void SetActiveFormat(const WAVEFORMATEXTENSIBLE& format) override { m_activeFormat = format; }
     bool RunCommand(uint32_t id) override;
+    intptr_t CommandParameter() const override { return m_commandParameter; }
     void ShowStatusText(const QString& text) override;
     void AddRecentFile(const std::filesystem::path& path) override;
     void RefreshMenu() override;
@@ -74,10 +81,17 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    struct WaitingFile {
+        std::filesystem::path Path;
+        QPointer<CMDIChildWnd> Replaced; ///< closed first, if there is one
+    };
+
     bool RouteCommand(uint32_t id, CommandCode code, CommandUi* ui) override;
-    void OnCommandHovered(uint32_t id) override;
     bool OnHostMessage(MessageEvent& message);
     bool IsInWindow(const QObject* receiver) const;
+    bool IsBusy() const; ///< with what must not be entered a second time
+    void OpenWaitingFiles();
+    void OpenWaitingFilesLater();
     DocumentFrame* MakeWaveFrame(CDocument& document);
     void DeleteClosedChildren();
     CMDIChildWnd* FindChild(const CDocument& document) const;
@@ -103,6 +117,9 @@ private:
     CMDIClient* m_client;
     MainToolBar* m_toolBar;
     WAVEFORMATEXTENSIBLE m_activeFormat;
+    std::deque<WaitingFile> m_waitingFiles;
+    bool m_isOpening = false;
+    intptr_t m_commandParameter = 0;
     std::optional<Qt::KeyboardModifiers> m_commandModifiers;
     std::recursive_mutex m_lock; ///< held while a request of the host is carried out
 };

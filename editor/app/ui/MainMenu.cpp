@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ui/MainMenu.h"
 
-#include "resources/CommandIds.h"
+#include "resources/Commands.h"
 #include "resources/Menus.h"
 
 namespace ek {
@@ -16,7 +16,7 @@ void Fill(CommandMenu& menu, std::span<const MenuItem> items)
         else if (item.Id == 0)
             menu.AddPlaceholder(QString::fromUtf8(item.Text));
         else
-            menu.AddCommand(item.Id, QString::fromUtf8(item.Text));
+            menu.AddCommand(item.Id, QString::fromUtf8(item.Text), QString::fromStdString(CommandStatusText(item.Id)));
     }
 }
 
@@ -36,7 +36,7 @@ QString MenuText(const std::filesystem::path& path)
 MainMenu::MainMenu(CommandRouter& router) : m_menu(std::make_unique<QMenu>())
 {
     for (const MenuItem& item : LoadMenu(MENU_MAIN)) {
-        auto* submenu = new CommandMenu(QString::fromUtf8(item.Text), router, m_menu.get());
+        auto* submenu = new CommandMenu('&' + QString::fromUtf8(item.Text), router, m_menu.get());
         Fill(*submenu, item.Submenu());
         m_menu->addMenu(submenu);
         if (!m_fileMenu)
@@ -49,7 +49,7 @@ void MainMenu::SetRecentFiles(const std::vector<std::filesystem::path>& paths)
     m_fileMenu->RemoveCommands(ID_RECENT_FIRST, ID_RECENT_LAST);
     uint32_t id = ID_RECENT_FIRST;
     for (const std::filesystem::path& path : paths)
-        m_fileMenu->AddCommand(id++, MenuText(path));
+        m_fileMenu->AddCommand(id++, MenuText(path), QString::fromStdString(path.string()));
 }
 
 } // namespace ek

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/ui/QtPrompts.h"
 
+#include "app/ui/DialogHolder.h"
 #include "app/ui/SoundFormatDialog.h"
 #include "platform/File.h"
 #include "platform/Text.h"
@@ -8,6 +9,7 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 
 #include <algorithm>
@@ -15,6 +17,8 @@
 namespace ek {
 
 namespace {
+
+constexpr char OpenExtension[] = "wav";
 
 QString ModuleTitle()
 {
@@ -104,6 +108,21 @@ QString FilterFor(const std::filesystem::path& name, const std::vector<FileType>
     return types.empty() ? QString() : NameFilter(types.front());
 }
 
+/// Completes a typed name that no file has.
+class OpenDialog final : public QFileDialog {
+public:
+    explicit OpenDialog(QWidget* parent) : QFileDialog(parent, QStringLiteral("Open")) {}
+
+    void accept() override
+    {
+        setDefaultSuffix({});
+        const QStringList files = selectedFiles();
+        if (std::ranges::any_of(files, [](const QString& file) { return !QFileInfo::exists(file); }))
+            setDefaultSuffix(QString::fromLatin1(OpenExtension));
+        QFileDialog::accept();
+    }
+};
+
 } // namespace
 
 QWidget* QtPrompts::Parent() const
@@ -117,10 +136,11 @@ MessageAnswer QtPrompts::ShowMessage(std::string_view text, MessageButtons butto
 {
     const auto choice = buttons == MessageButtons::Ok ? QMessageBox::StandardButtons(QMessageBox::Ok)
                                                       : QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
-    QMessageBox box(IconOf(icon), ModuleTitle(), QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())),
-                    choice, Parent());
-    box.setTextFormat(Qt::PlainText);
-    switch (box.exec()) {
+    const DialogHolder<QMessageBox> box(IconOf(icon), ModuleTitle(),
+                                        QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())), choice,
+                                        Parent());
+    box->setTextFormat(Qt::PlainText);
+    switch (box->exec()) {
     case QMessageBox::Yes:
         return MessageAnswer::Yes;
     case QMessageBox::No:
@@ -147,14 +167,14 @@ void QtPrompts::RememberFolder(const QFileDialog& dialog)
 
 std::vector<std::filesystem::path> QtPrompts::ChooseFilesToOpen(std::string_view filter)
 {
-    QFileDialog dialog(Parent(), QStringLiteral("Open"));
-    dialog.setFileMode(QFileDialog::ExistingFiles);
-    Prepare(dialog, ParseFileFilter(filter));
-    if (dialog.exec() != QDialog::Accepted)
+    const DialogHolder<OpenDialog> dialog(Parent());
+    dialog->setFileMode(QFileDialog::ExistingFiles);
+    Prepare(*dialog, ParseFileFilter(filter));
+    if (dialog->exec() != QDialog::Accepted)
         return {};
-    RememberFolder(dialog);
+    RememberFolder(*dialog);
     std::vector<std::filesystem::path> paths;
-    for (const QString& file : dialog.selectedFiles())
+    for (const QString& file : dialog->selectedFiles())
         paths.push_back(PathOf(file));
     return paths;
 }
@@ -165,21 +185,21 @@ std::optional<std::filesystem::path> QtPrompts::ChooseFileToSave(std::string_vie
 {
     const std::vector<FileType> types = ParseFileFilter(filter);
     const std::filesystem::path name = SuggestedName(suggestion, types, defaultExtension);
-    QFileDialog dialog(Parent(), QStringLiteral("Save As"));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite); // asked below, for the name with its extension
-    Prepare(dialog, types);
+    const DialogHolder<QFileDialog> dialog(Parent(), QStringLiteral("Save As"));
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setOption(QFileDialog::DontConfirmOverwrite); // asked below, for the name with its extension
+    Prepare(*dialog, types);
     if (suggestion.is_absolute())
-        dialog.setDirectory(QFile::decodeName(suggestion.parent_path().c_str()));
-    dialog.selectNameFilter(FilterFor(name, types));
-    dialog.selectFile(QFile::decodeName(name.c_str()));
-    QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog,
-                     [&] { FollowChosenType(dialog, types, defaultExtension); });
-    while (dialog.exec() == QDialog::Accepted) {
-        RememberFolder(dialog);
-        const auto typed = PathOf(dialog.selectedFiles().value(0));
-        const auto target = CompleteFileName(typed, types, ChosenType(dialog), defaultExtension);
+        dialog->setDirectory(QFile::decodeName(suggestion.parent_path().c_str()));
+    dialog->selectNameFilter(FilterFor(name, types));
+    dialog->selectFile(QFile::decodeName(name.c_str()));
+    QObject::connect(dialog.Get(), &QFileDialog::filterSelected, dialog.Get(),
+                     [&] { FollowChosenType(*dialog, types, defaultExtension); });
+    while (dialog.Get() && dialog->exec() == QDialog::Accepted) {
+        RememberFolder(*dialog);
+        const auto typed = PathOf(dialog->selectedFiles().value(0));
+        const auto target = CompleteFileName(typed, types, ChosenType(*dialog), defaultExtension);
         if (!IsFile(target) || ConfirmReplace(target))
             return target;
     }
@@ -189,17 +209,17 @@ std::optional<std::filesystem::path> QtPrompts::ChooseFileToSave(std::string_vie
 bool QtPrompts::ConfirmReplace(const std::filesystem::path& path) const
 {
     const std::string question = Format(LoadString(IDS_REPLACE_FILE).c_str(), path.filename().c_str());
-    QMessageBox box(QMessageBox::Question, ModuleTitle(), QString::fromStdString(question),
-                    QMessageBox::Yes | QMessageBox::No, Parent());
-    box.setTextFormat(Qt::PlainText);
-    box.setDefaultButton(QMessageBox::No);
-    return box.exec() == QMessageBox::Yes;
+    const DialogHolder<QMessageBox> box(QMessageBox::Question, ModuleTitle(), QString::fromStdString(question),
+                                        QMessageBox::Yes | QMessageBox::No, Parent());
+    box->setTextFormat(Qt::PlainText);
+    box->setDefaultButton(QMessageBox::No);
+    return box->exec() == QMessageBox::Yes;
 }
 
 bool QtPrompts::ChooseSoundFormat(std::string_view extension)
 {
-    CPlugInSoundFormat dialog(std::string(extension), m_mainWindow, Parent());
-    return dialog.exec() == QDialog::Accepted;
+    const DialogHolder<CPlugInSoundFormat> dialog(std::string(extension), m_mainWindow.data(), Parent());
+    return dialog->exec() == QDialog::Accepted;
 }
 
 } // namespace ek

@@ -5,8 +5,7 @@
 
 #include <QApplication>
 #include <QEventLoop>
-
-#include <memory>
+#include <QMdiSubWindow>
 
 namespace ek {
 
@@ -50,6 +49,10 @@ public:
 
     bool eventFilter(QObject* receiver, QEvent* event) override
     {
+        if (event->type() == QEvent::Close && qobject_cast<QMdiSubWindow*>(receiver)) {
+            event->ignore(); // the work may be that of this very document
+            return true;
+        }
         const bool isTarget = receiver->isWidgetType() || receiver->isWindowType();
         if (!isTarget || !IsInput(*event) || QApplication::activeModalWidget() != m_modalBefore)
             return false;
@@ -63,25 +66,32 @@ private:
 
 } // namespace
 
+void QtProgressPresenter::ShowDialog(QPointer<ProgressDialog>& dialog, CProgressDlg& progress) const
+{
+    QWidget* active = QApplication::activeWindow();
+    dialog = new ProgressDialog(progress, active || !m_mainWindow ? active : m_mainWindow->window());
+    dialog->setAttribute(Qt::WA_ShowWithoutActivating, QGuiApplication::applicationState() != Qt::ApplicationActive);
+    dialog->show();
+}
+
 WorkResult QtProgressPresenter::Show(CProgressDlg& progress)
 {
     QEventLoop loop;
-    std::unique_ptr<ProgressDialog> dialog;
+    QPointer<ProgressDialog> dialog; // its parent may take it along
     const InputBarrier barrier;
     progress.OnFinish([&loop] { QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection); });
     QTimer appearance;
     appearance.setSingleShot(true);
-    QObject::connect(&appearance, &QTimer::timeout, &loop, [&] {
-        dialog = std::make_unique<ProgressDialog>(progress, QApplication::activeWindow());
-        dialog->show();
-    });
+    QObject::connect(&appearance, &QTimer::timeout, &loop, [&] { ShowDialog(dialog, progress); });
     appearance.start(m_delay);
     progress.Begin();
     if (!progress.HasResult())
         loop.exec();
-    // The loop also ends when the program quits. The worker has left Finish, and with it the loop, after this.
-    const WorkResult result = progress.WaitResult();
+    if (!progress.HasResult())
+        progress.Cancel(); // the loop also ends when the program quits
+    const WorkResult result = progress.WaitResult(); // the worker has left Finish, and with it the loop, after this
     progress.End();
+    delete dialog;
     return result;
 }
 
