@@ -216,7 +216,7 @@ void ColumnCache::QueryEntries(const PeakCache& peaks, uint64_t frames, uint64_t
 
 void ColumnCache::QuerySamples(CWaveData& store, uint64_t firstFrame, uint32_t framesPerPoint, uint64_t points)
 {
-    std::array<int16_t, BlockFrames * MaxChannels> samples;
+    std::array<int16_t, size_t{BlockFrames} * MaxChannels> samples;
     uint64_t frame = firstFrame % store.FrameCount();
     for (uint64_t point = 0; point < points; ++point) {
         for (uint64_t filled = 0; filled < framesPerPoint;) {

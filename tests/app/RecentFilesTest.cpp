@@ -76,6 +76,7 @@ TEST_F(RecentFilesTest, TheStoredEntriesThatAreFilesComeBackAndStalePositionsAre
     const auto last = MakeFile("last.wav");
     m_stored = {{"RecentFile1", (m_folder.Path() / "deleted.wav").string()},
                 {"RecentFile2", kept.string()},
+                {"RecentFile3", kept.string()},
                 {"RecentFile4", m_folder.Path().string()},
                 {"RecentFile10", last.string()},
                 {"RecentFile11", MakeFile("beyond.wav").string()}};

@@ -36,7 +36,8 @@ std::vector<MenuItem> CommandsOfAllMenus()
 
 std::string KeyText(const Accelerator& key)
 {
-    const std::map<int, std::string> names = {{0x01000001, "Tab"}, {0x01000033, "F4"}};
+    const std::map<int, std::string> names = {
+        {0x01000001, "Tab"}, {0x01000033, "F4"}, {0x01000013, "Up"}, {0x01000015, "Down"}};
     std::string text = key.Keypad ? "Num " : "";
     text += key.Modifiers & 0x04000000 ? "Ctrl+" : "";
     text += key.Modifiers & 0x02000000 ? "Shift+" : "";
@@ -44,13 +45,14 @@ std::string KeyText(const Accelerator& key)
     return text + (named == names.end() ? std::string(1, static_cast<char>(key.Key)) : named->second);
 }
 
-/// Every key of the table with its command; fails when two entries have the same key.
+/// Every key of the tables with its command; fails when two entries have the same key.
 std::map<std::string, uint32_t> Keys()
 {
     std::map<std::string, uint32_t> keys;
-    const AcceleratorTable& table = MainAccelerators();
-    for (const Accelerator& entry : std::span(table.Entries, table.Count))
-        EXPECT_TRUE(keys.emplace(KeyText(entry), entry.Command).second) << KeyText(entry);
+    for (const AcceleratorTable& table : {MainAccelerators(), ViewAccelerators()}) {
+        for (const Accelerator& entry : std::span(table.Entries, table.Count))
+            EXPECT_TRUE(keys.emplace(KeyText(entry), entry.Command).second) << KeyText(entry);
+    }
     return keys;
 }
 
@@ -69,6 +71,31 @@ TEST(Resources, WhatAMenuShowsHasATextAndTheKeyOfItsCommand)
         EXPECT_TRUE(tab == std::string::npos || text.substr(tab + 1) == FindCommand(item.Id)->Keys) << text;
     }
     EXPECT_EQ(LoadMenu(MENU_ZOOM_RATIO).size(), 20U);
+}
+
+/// The ids of a menu in their order, 0 for what is no command.
+std::vector<uint32_t> Ids(std::span<const MenuItem> items)
+{
+    std::vector<uint32_t> ids;
+    for (const MenuItem& item : items)
+        ids.push_back(item.Id);
+    return ids;
+}
+
+TEST(Resources, MenusAndToolBarKeepTheirOrder)
+{
+    using List = std::vector<uint32_t>;
+    const std::span<const MenuItem> menu = LoadMenu(MENU_MAIN);
+    ASSERT_EQ(menu.size(), 5U);
+    EXPECT_EQ(Ids(menu[0].Submenu()), (List{57600, 57601, 57603, 57604, 0}));
+    EXPECT_EQ(Ids(menu[1].Submenu()), (List{57643, 57644, 0, 57635, 57634, 57637, 1101, 0, 1133}));
+    EXPECT_EQ(Ids(menu[2].Submenu()), (List{1110, 0, 1025, 1027, 1028, 1029, 0, 1056, 1057, 1304, 1305, 1302, 1303}));
+    EXPECT_EQ(Ids(menu[3].Submenu()), List{0});
+    EXPECT_EQ(Ids(menu[4].Submenu()), (List{57650, 57651, 57652}));
+    const auto bar = LoadToolBar(TOOLBAR_MAIN);
+    EXPECT_EQ(List(bar.begin(), bar.end()),
+              (List{57601, 57600, 1097, 1111, 57603, 0,    57635, 57634, 57637, 1098, 0,
+                    57643, 57644, 0,    1025, 1027,  1028, 1029,  1056,  1057,  1304, 1305}));
 }
 
 TEST(Resources, EveryButtonHasAnImageAToolTipAndAStatusText)

@@ -151,6 +151,34 @@ TEST_F(PromptsTest, SeveralFilesAreChosenByTheFilter)
               (std::vector<std::filesystem::path>{one, two}));
 }
 
+TEST_F(PromptsTest, ATypedNameWithoutFileFindsTheSoundOfThatName)
+{
+    for (const char* name : {"take.wav", "plain"})
+        WriteWav(m_folder.Path() / name, 1, MakeRamp(10));
+    const auto open = [&](const QString& typed) {
+        m_user.Then<QFileDialog>([&, typed](QFileDialog& dialog) {
+            dialog.setDirectory(QString::fromStdString(m_folder.Path().string()));
+            dialog.findChild<QLineEdit*>("fileNameEdit")->setText(typed);
+            static_cast<QDialog&>(dialog).accept();
+        });
+        return m_prompts.ChooseFilesToOpen("All|*.wav|");
+    };
+    EXPECT_EQ(open("take"), std::vector{m_folder.Path() / "take.wav"});
+    EXPECT_EQ(open("plain"), std::vector{m_folder.Path() / "plain"}) << "a file as it is";
+}
+
+TEST_F(PromptsTest, ABoxThatGoesWithItsWindowIsAnsweredLikeOneThatIsClosed)
+{
+    auto* window = new QWidget;
+    m_prompts.SetMainWindow(window);
+    m_user.Then<QMessageBox>([window](QMessageBox& box) {
+        EXPECT_EQ(box.parentWidget(), window);
+        delete window;
+    });
+    EXPECT_EQ(m_prompts.ShowMessage("Save?", MessageButtons::YesNoCancel, MessageIcon::Question),
+              MessageAnswer::Cancel);
+}
+
 class ProgressTest : public testing::Test {
 protected:
     ProgressTest() { m_window.show(); }

@@ -4,7 +4,9 @@
 #include "waveedit/WEDoc.h"
 
 #include <QDropEvent>
+#include <QMainWindow>
 #include <QMdiArea>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QUrl>
 
@@ -208,6 +210,22 @@ TEST_F(DocumentsTest, TheLastWindowClosedMaximizedMakesTheNextOneMaximizedInTheN
     m_frame = new CMainFrame(m_page, m_app, &m_host);
     Run(ID_FILE_NEW);
     EXPECT_TRUE(m_frame->ActiveChild()->isMaximized());
+}
+
+TEST_F(DocumentsTest, AMaximizedWindowLeavesTheTitleAndTheMenuBarToTheHost)
+{
+    QMainWindow host;
+    host.menuBar()->addMenu("File");
+    host.setWindowTitle("Host");
+    host.setCentralWidget(new QWidget);
+    delete m_frame;
+    m_frame = new CMainFrame(host.centralWidget(), m_app, &m_host);
+    host.show();
+    Open("one.wav");
+    m_frame->ActiveChild()->showMaximized();
+    Settle();
+    EXPECT_EQ(host.windowTitle(), "Host");
+    EXPECT_EQ(host.menuBar()->cornerWidget(), nullptr);
 }
 
 TEST_F(DocumentsTest, WindowsFillTheWorkspace)

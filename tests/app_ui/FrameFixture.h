@@ -3,6 +3,7 @@
 
 #include "app/EkEditorApp.h"
 #include "app/ui/MainFrame.h"
+#include "background/ui/QtProgressPresenter.h"
 #include "resources/CommandIds.h"
 #include "support/RecordingHost.h"
 #include "support/ScriptedPrompts.h"
@@ -45,6 +46,7 @@ class FrameFixture : public testing::Test {
 protected:
     FrameFixture()
     {
+        SetProgressPresenter(&m_presenter); // long work runs an event loop here, as it does for a person
         auto* layout = new QVBoxLayout(m_page);
         layout->setContentsMargins(0, 0, 0, 0);
         m_window.resize(1000, 700);
@@ -57,7 +59,11 @@ protected:
         m_host.Calls.Take();
     }
 
-    ~FrameFixture() override { delete m_frame; }
+    ~FrameFixture() override
+    {
+        delete m_frame;
+        SetProgressPresenter(nullptr);
+    }
 
     std::filesystem::path MakeSound(const std::string& name, size_t frames = 3000) const
     {
@@ -99,6 +105,7 @@ protected:
 
     TestFolder m_folder;
     ScriptedPrompts m_prompts;
+    QtProgressPresenter m_presenter{std::chrono::hours(1)};
     RecordingHost m_host;
     CEkEditorApp m_app;
     MessageKeeper m_window;

@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "FrameFixture.h"
 
+#include "app/ui/MDIClient.h"
 #include "app/ui/TransportRouter.h"
+#include "framework/ui/CommandToolBar.h"
+#include "platform/Events.h"
 #include "resources/Commands.h"
 
 #include <gmock/gmock.h>
+
+#include <QTimer>
 
 namespace ek {
 namespace {
@@ -180,7 +185,38 @@ TEST(CommandRouting, ClientViewDocumentChildFrameAndApplicationAreAskedUntilOneT
     delete child;
 }
 
-class CommandsTest : public FrameFixture {};
+/// A view as one that can play and keeps a history.
+class PlayingView final : public SpyView {
+public:
+    using SpyView::SpyView;
+
+    bool CanPlay() const override { return true; }
+    bool OnCmdMsg(uint32_t id, CommandCode code, CommandUi* ui) override
+    {
+        if (id != ID_REDO_HISTORY)
+            return SpyView::OnCmdMsg(id, code, ui);
+        HistoryParameter = Site().CommandParameter();
+        return true;
+    }
+
+    intptr_t HistoryParameter = 0;
+};
+
+class CommandsTest : public FrameFixture {
+protected:
+    ~CommandsTest() override { delete m_frame; } // before the document of its view
+
+    PlayingView* AddPlayingView()
+    {
+        auto* child = new CMDIChildWnd(m_document);
+        auto* view = new PlayingView(m_document, *m_frame, child);
+        child->SetView(view);
+        static_cast<CMDIClient*>(m_frame->centralWidget())->AddChild(child);
+        return view;
+    }
+
+    SpyDocument m_document;
+};
 
 TEST_F(CommandsTest, AMessageThatNobodyTookStaysIgnored)
 {
@@ -203,8 +239,42 @@ TEST_F(CommandsTest, TheUpdateOfNewTellsTheHostWhetherTheActiveViewCanPlay)
     Open("one.wav");
     m_host.Calls.Take();
     IsEnabled(ID_FILE_NEW);
-    const std::string answer = m_frame->ActiveView()->CanPlay() ? "1" : "0";
-    EXPECT_EQ(m_host.Calls.Take(), Names{"Player.UpdateControls(Ek Wave Editor, " + answer + ")"});
+    EXPECT_EQ(m_host.Calls.Take(), Names{"Player.UpdateControls(Ek Wave Editor, 0)"});
+    AddPlayingView();
+    m_host.Calls.Take();
+    IsEnabled(ID_FILE_NEW);
+    EXPECT_EQ(m_host.Calls.Take(), Names{"Player.UpdateControls(Ek Wave Editor, 1)"});
+}
+
+TEST_F(CommandsTest, TheHistoryListsComeWithTheToolBar)
+{
+    const PlayingView* view = AddPlayingView();
+    auto* bar = m_frame->findChild<CommandToolBar*>();
+    emit bar->HistoryRequested(ID_REDO_HISTORY);
+    EXPECT_EQ(view->HistoryParameter, reinterpret_cast<intptr_t>(static_cast<QWidget*>(bar)));
+    EXPECT_EQ(m_frame->CommandParameter(), 0);
+}
+
+TEST_F(CommandsTest, NothingClosesOrRunsInTheMiddleOfWork)
+{
+    Open("one.wav");
+    ManualResetEvent release;
+    QTimer::singleShot(0, m_frame, [&] {
+        EXPECT_FALSE(m_frame->TryClose());
+        EXPECT_FALSE(Run(ID_FILE_NEW));
+        EXPECT_FALSE(m_frame->ActiveChild()->close());
+        m_frame->PassMessage("Open \"" + MakeSound("two.wav").string() + '"');
+        EXPECT_EQ(DocumentNames(), Names{"one.wav"});
+        release.Set();
+    });
+    RunInBackground("", false, [&](CProgressDlg&) {
+        release.Wait();
+        return WorkResult::Finished;
+    });
+    m_frame->OnIdle();
+    Settle();
+    EXPECT_EQ(DocumentNames(), (Names{"one.wav", "two.wav"})) << "what waited follows in idle time";
+    EXPECT_TRUE(m_frame->TryClose());
 }
 
 TEST_F(CommandsTest, WindowCommandsNeedAWindowAndGoAround)

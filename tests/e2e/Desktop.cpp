@@ -2,7 +2,9 @@
 #include "Desktop.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 namespace ek {
@@ -87,6 +89,18 @@ bool Desktop::Focus(const std::string& title) const
     });
 }
 
+QRect Desktop::Area(const std::string& title) const
+{
+    const std::string window = FindWindow(title);
+    std::istringstream lines(window.empty() ? std::string() : Xdotool({"getwindowgeometry", "--shell", window}));
+    std::map<std::string, int> values;
+    for (std::string line; std::getline(lines, line);) {
+        const size_t equals = line.find('=');
+        values[line.substr(0, equals)] = std::atoi(line.c_str() + equals + 1);
+    }
+    return {values["X"], values["Y"], values["WIDTH"], values["HEIGHT"]};
+}
+
 bool Desktop::MoveWindow(const std::string& title, int x, int y, int width, int height) const
 {
     const std::string window = FindWindow(title);
@@ -109,6 +123,13 @@ void Desktop::Press() const
 void Desktop::Release() const
 {
     Xdotool({"mouseup", "1"});
+}
+
+void Desktop::Click(int x, int y) const
+{
+    MovePointer(x, y);
+    Press();
+    Release();
 }
 
 void Desktop::TurnWheelUp(int notches) const

@@ -4,6 +4,7 @@
 #include "Process.h"
 
 #include <QImage>
+#include <QRect>
 
 #include <filesystem>
 #include <memory>
@@ -26,11 +27,14 @@ public:
     bool HasWindow(const std::string& title) const { return !FindWindow(title).empty(); }
     /// Waits for the window and gives it the keyboard.
     bool Focus(const std::string& title) const;
+    /// Where it lies on the screen; empty when it is not there.
+    QRect Area(const std::string& title) const;
     bool MoveWindow(const std::string& title, int x, int y, int width, int height) const;
 
     void MovePointer(int x, int y) const;
     void Press() const;
     void Release() const;
+    void Click(int x, int y) const;
     void TurnWheelUp(int notches) const;
     void Key(const std::string& keys) const; ///< "ctrl+o", "Return"
     void Type(const std::string& text) const;

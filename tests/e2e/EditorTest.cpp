@@ -6,7 +6,9 @@
 #include <sndfile.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <random>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -15,6 +17,8 @@ namespace ek {
 namespace {
 
 constexpr int Rate = 44100;
+constexpr int SecondEntry = 40; ///< of a menu, from its upper edge
+constexpr int LastEntry = -16;  ///< from its lower edge
 constexpr char SoundFormat[] = "Sound Format";
 
 std::vector<int16_t> MakeSound(unsigned seed)
@@ -86,8 +90,11 @@ protected:
     void SetUp() override
     {
         for (const char* program : {"Xvfb", "xdotool"}) {
-            if (!IsInstalled(program))
-                GTEST_SKIP() << program << " is not installed";
+            if (IsInstalled(program))
+                continue;
+            const char* isServer = std::getenv("CI");
+            ASSERT_STRNE(isServer ? isServer : "", "true") << program << " is not installed";
+            GTEST_SKIP() << program << " is not installed";
         }
         std::string folder = (std::filesystem::temp_directory_path() / "eke2eXXXXXX").native();
         ASSERT_NE(mkdtemp(folder.data()), nullptr);
@@ -128,9 +135,11 @@ protected:
     }
 
     /// From the helper's window in the corner onto the middle of the editor.
-    void DragOntoEditor(const std::filesystem::path& file) const
+    void DragOntoEditor(const std::vector<std::string>& files) const
     {
-        const auto source = m_desktop->Run({EK_BIN_DIR "/e2e-helper", "drag", file}, "drag");
+        std::vector<std::string> arguments{EK_BIN_DIR "/e2e-helper", "drag"};
+        arguments.insert(arguments.end(), files.begin(), files.end());
+        const auto source = m_desktop->Run(arguments, "drag");
         ASSERT_TRUE(Eventually([&] { return m_desktop->HasWindow("e2e drag source"); }));
         const auto hasSaid = [&](const char* line) { return source->Output().find(line) != std::string::npos; };
         m_desktop->MovePointer(40, 40);
@@ -144,7 +153,19 @@ protected:
         m_desktop->Release();
         ASSERT_TRUE(Eventually([&] { return hasSaid("dropped"); }));
         EXPECT_TRUE(hasSaid("dropped copy"));
-        EXPECT_TRUE(ShowsFile(file.filename()));
+    }
+
+    /// The menu is the only window that bears the program's name. A negative y counts from its lower edge.
+    void ClickInFileMenu(int y) const
+    {
+        const char* menu = "^ek-wave-editor$";
+        const QRect window = m_desktop->Area(" - Ek Wave Editor");
+        m_desktop->Click(window.x() + 28, window.y() + 12);
+        ASSERT_TRUE(Eventually([&] { return m_desktop->HasWindow(menu); }));
+        const QRect area = m_desktop->Area(menu);
+        m_desktop->MovePointer(area.x() + 60, y < 0 ? area.bottom() + y - 4 : area.y() + y - 4);
+        m_desktop->Click(area.x() + 60, y < 0 ? area.bottom() + y : area.y() + y);
+        ASSERT_TRUE(Eventually([&] { return !m_desktop->HasWindow(menu); }));
     }
 
     void AnswerFileDialog(const std::string& title, const std::filesystem::path& file) const
@@ -165,13 +186,17 @@ TEST_F(EditorTest, ASoundIsOpenedZoomedSavedAndLeavesNoTemporaryFiles)
     const std::vector<int16_t> dragged = MakeSound(1);
     const std::vector<int16_t> typed = MakeSound(2);
     ASSERT_TRUE(WriteSound(Music("dragged.wav"), dragged));
+    ASSERT_TRUE(WriteSound(Music("before.wav"), dragged));
     ASSERT_TRUE(WriteSound(Music("typed.wav"), typed));
     ASSERT_TRUE(BringUpEditor());
 
-    ASSERT_NO_FATAL_FAILURE(DragOntoEditor(Music("dragged.wav")));
-
+    ASSERT_NO_FATAL_FAILURE(DragOntoEditor({Music("before.wav"), Music("dragged.wav")}));
+    ASSERT_TRUE(ShowsFile("dragged.wav"));
     ASSERT_TRUE(m_desktop->Focus("Ek Wave Editor"));
-    m_desktop->Key("ctrl+o");
+    m_desktop->Key("ctrl+F4");
+    ASSERT_TRUE(ShowsFile("before.wav")) << "of two dropped files the second lies in front";
+
+    ASSERT_NO_FATAL_FAILURE(ClickInFileMenu(SecondEntry));
     ASSERT_NO_FATAL_FAILURE(AnswerFileDialog("^Open$", Music("typed.wav")));
     ASSERT_TRUE(ShowsFile("typed.wav"));
 
@@ -193,17 +218,18 @@ TEST_F(EditorTest, ASoundIsOpenedZoomedSavedAndLeavesNoTemporaryFiles)
     ASSERT_TRUE(ShowsFile("saved.flac"));
 
     ASSERT_TRUE(m_desktop->Focus("Ek Wave Editor"));
-    m_desktop->Key("ctrl+q");
+    ASSERT_NO_FATAL_FAILURE(ClickInFileMenu(LastEntry));
     ASSERT_TRUE(Eventually([&] { return m_editor->HasEnded(); }));
     EXPECT_EQ(m_editor->ExitStatus(), 0);
     EXPECT_EQ(ReadSound(Music("typed.wav"), SF_FORMAT_WAV), typed);
     EXPECT_EQ(ReadSound(Music("saved.flac"), SF_FORMAT_FLAC), typed);
     EXPECT_EQ(ReadSound(Music("dragged.wav"), SF_FORMAT_WAV), dragged);
     EXPECT_EQ(FilesBelow(m_folder / "temporary"), std::vector<std::string>());
-    EXPECT_EQ(FilesBelow(m_folder / "music"), (std::vector<std::string>{"dragged.wav", "saved.flac", "typed.wav"}));
+    EXPECT_EQ(FilesBelow(m_folder / "music"),
+              (std::vector<std::string>{"before.wav", "dragged.wav", "saved.flac", "typed.wav"}));
 }
 
-TEST_F(EditorTest, ASecondStartHandsItsFileToTheRunningEditor)
+TEST_F(EditorTest, ASecondStartHandsItsFileToTheRunningEditorWhichLeavesNothingWhenItIsEnded)
 {
     ASSERT_TRUE(WriteSound(Music("first.wav"), MakeSound(3)));
     ASSERT_TRUE(WriteSound(Music("a second \xc3\xa4.wav"), MakeSound(4)));
@@ -214,6 +240,11 @@ TEST_F(EditorTest, ASecondStartHandsItsFileToTheRunningEditor)
     EXPECT_EQ(second->ExitStatus(), 0);
     EXPECT_TRUE(ShowsFile("a second \xc3\xa4.wav"));
     EXPECT_FALSE(m_editor->HasEnded());
+
+    m_editor->Send(SIGHUP);
+    ASSERT_TRUE(Eventually([&] { return m_editor->HasEnded(); }));
+    EXPECT_EQ(m_editor->ExitStatus(), 128 + SIGHUP);
+    EXPECT_EQ(FilesBelow(m_folder / "temporary"), std::vector<std::string>());
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // What the end-to-end test needs of the screen besides a mouse and a keyboard:
-//   e2e-helper drag FILE   shows a window from which the file can be dragged; prints each answer of the place below
-//   e2e-helper grab FILE   writes the whole screen into a PNG
+//   e2e-helper drag FILE...  shows a window from which the files can be dragged; prints each answer of the place below
+//   e2e-helper grab FILE     writes the whole screen into a PNG
 
 #include <QApplication>
 #include <QDrag>
@@ -18,8 +18,10 @@ namespace {
 
 class DragSource : public QWidget {
 public:
-    explicit DragSource(const QString& file) : m_file(file)
+    explicit DragSource(const QStringList& files)
     {
+        for (const QString& file : files)
+            m_urls.append(QUrl::fromLocalFile(file));
         setWindowTitle(QStringLiteral("e2e drag source"));
         setGeometry(0, 0, 80, 80);
     }
@@ -28,7 +30,7 @@ protected:
     void mouseMoveEvent(QMouseEvent*) override
     {
         auto* data = new QMimeData;
-        data->setUrls({QUrl::fromLocalFile(m_file)});
+        data->setUrls(m_urls);
         auto* drag = new QDrag(this);
         drag->setMimeData(data);
         connect(drag, &QDrag::actionChanged, this, [](Qt::DropAction action) { Print("offered", action); });
@@ -42,7 +44,7 @@ private:
         std::fflush(stdout);
     }
 
-    QString m_file;
+    QList<QUrl> m_urls;
 };
 
 } // namespace
@@ -51,11 +53,11 @@ int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
-    if (arguments.size() != 3)
+    if (arguments.size() < 3)
         return 2;
     if (arguments[1] == "grab")
         return QApplication::primaryScreen()->grabWindow(0).save(arguments[2], "PNG") ? 0 : 1;
-    DragSource source(arguments[2]);
+    DragSource source(arguments.mid(2));
     source.show();
     return QApplication::exec();
 }

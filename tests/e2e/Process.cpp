@@ -26,6 +26,7 @@ constexpr int PausesOfAMinute = 3000;
     const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     dup2(file, STDOUT_FILENO);
     dup2(file, STDERR_FILENO);
+    signal(SIGHUP, SIG_DFL); // the tests may run where it is ignored
     std::vector<char*> pointers;
     for (const std::string& argument : arguments)
         pointers.push_back(const_cast<char*>(argument.c_str()));
@@ -65,6 +66,11 @@ bool Process::HasEnded()
         m_exitStatus = ToExitStatus(status);
     }
     return m_ended;
+}
+
+void Process::Send(int signal) const
+{
+    kill(m_pid, signal);
 }
 
 std::string Process::Output() const

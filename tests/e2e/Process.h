@@ -23,6 +23,7 @@ public:
     Process& operator=(const Process&) = delete;
 
     bool HasEnded();
+    void Send(int signal) const;
     int ExitStatus() const { return m_exitStatus; } ///< once it has ended; 128 and more: killed by a signal
     std::string Output() const;
 

@@ -16,6 +16,7 @@
 #include "ek/HostFrame.h"
 #include "platform/Text.h"
 #include "resources/Accelerators.h"
+#include "resources/CommandIds.h"
 #include "resources/Strings.h"
 #include "servicefuncs/MessageBox.h"
 #include "skincontrols/Skin.h"

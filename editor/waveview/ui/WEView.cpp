@@ -2,6 +2,7 @@
 #include "waveview/ui/WEView.h"
 
 #include "resources/CommandIds.h"
+#include "resources/Strings.h"
 #include "skincontrols/SCScrollBar.h"
 #include "skincontrols/Skin.h"
 #include "waveview/ui/TimeScaleStatic.h"
@@ -54,6 +55,7 @@ void CWEView::CreateControls()
     connect(m_overviewButton, &QToolButton::clicked, this, [this] { OnCmdMsg(ID_OVERVIEW, CN_COMMAND, nullptr); });
 
     m_zoomLabel = new CTimeScaleStatic(this, [this](QPoint place) { ShowRatioMenu(place); });
+    m_zoomLabel->setToolTip(QString::fromStdString(LoadString(IDS_ZOOM_RATIO)));
 }
 
 int CWEView::Margin() const

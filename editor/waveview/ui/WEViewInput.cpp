@@ -118,7 +118,9 @@ void CWEView::mouseReleaseEvent(QMouseEvent* event)
 void CWEView::contextMenuEvent(QContextMenuEvent* event)
 {
     const QPoint point = m_device.Point(event->pos());
-    if (m_dragMode == DragMode::None && m_layout.Amplitude.Contains(point.x(), point.y()))
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        PopUpCommandMenu(*this, *this, MENU_AMPLITUDE, mapToGlobal(m_device.Place(m_layout.Amplitude).center()));
+    else if (m_dragMode == DragMode::None && m_layout.Amplitude.Contains(point.x(), point.y()))
         PopUpCommandMenu(*this, *this, MENU_AMPLITUDE, event->globalPos());
 }
 
