@@ -3,6 +3,8 @@
 #include "platform/Events.h"
 #include "platform/Paths.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <string>
@@ -17,6 +19,19 @@ bool IsTaken(const std::filesystem::path& path)
     // A link that leads nowhere takes its name too.
     std::error_code error;
     return std::filesystem::exists(std::filesystem::symlink_status(path, error));
+}
+
+/// The clock's ticks, or where they do not go on, one more than the last time: a long sound makes thousands of names,
+/// and none of them has to be passed over again.
+uint64_t NextCounter()
+{
+    static std::atomic<uint64_t> last = 0;
+    uint64_t previous = last;
+    uint64_t next = 0;
+    do {
+        next = std::max(TickMilliseconds(), previous + 1);
+    } while (!last.compare_exchange_weak(previous, next));
+    return next;
 }
 
 std::filesystem::path WithoutTrailingSeparator(const std::filesystem::path& folder)
@@ -45,9 +60,9 @@ std::filesystem::path MakeTempFileName(std::string_view prefix, std::string_view
 std::filesystem::path MakeTempFileName(std::string_view prefix, std::string_view extension,
                                        const std::filesystem::path& folder)
 {
-    for (uint64_t counter = TickMilliseconds();; ++counter) {
+    for (;;) {
         std::string name = ".";
-        name.append(prefix).append(std::to_string(counter)).append(extension);
+        name.append(prefix).append(std::to_string(NextCounter())).append(extension);
         std::filesystem::path path = folder / name;
         if (!IsTaken(path))
             return path;

@@ -33,6 +33,7 @@ pugi::xml_node DocumentElement(const pugi::xml_document& document)
 bool HasDuplicates(const std::vector<enXml::Attribute>& attributes)
 {
     std::vector<std::string_view> names;
+    names.reserve(attributes.size());
     for (const auto& [name, value] : attributes)
         names.push_back(name);
     std::sort(names.begin(), names.end());

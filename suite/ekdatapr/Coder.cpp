@@ -46,7 +46,7 @@ int BitRateModeFor(const CoderPlan& plan)
 {
     constexpr double lengthBytes = 192;
     const double framesPerSecond = plan.Info.samplerate / (plan.Info.samplerate >= 32000 ? 1152.0 : 576.0);
-    const double frameBytes = plan.BitRate * 1000 / 8 / framesPerSecond;
+    const double frameBytes = plan.BitRate * 125.0 / framesPerSecond;
     return frameBytes < lengthBytes ? SF_BITRATE_MODE_AVERAGE : SF_BITRATE_MODE_CONSTANT;
 }
 

@@ -237,7 +237,10 @@ TEST_F(ProgressTest, OtherWorkShowsNoCancelAndDoesNotMindEscape)
 {
     QtProgressPresenter presenter(std::chrono::milliseconds(0));
     SetProgressPresenter(&presenter);
+    presenter.SetMainWindow(&m_window);
+    QApplication::setActiveWindow(nullptr);
     m_user.Then<QDialog>([this](QDialog& dialog) {
+        EXPECT_EQ(dialog.parentWidget(), &m_window) << "though another program is in use";
         EXPECT_FALSE(dialog.findChild<QPushButton*>()->isVisible());
         QTest::keyClick(&dialog, Qt::Key_Escape);
         EXPECT_FALSE(dialog.close());
@@ -245,6 +248,19 @@ TEST_F(ProgressTest, OtherWorkShowsNoCancelAndDoesNotMindEscape)
         m_release.Set();
     });
     EXPECT_EQ(Wait(false), WorkResult::Failed);
+}
+
+TEST_F(ProgressTest, QuittingTheProgramCancelsTheWork)
+{
+    QtProgressPresenter presenter(std::chrono::hours(1));
+    SetProgressPresenter(&presenter);
+    WorkResult result = WorkResult::Failed;
+    QTimer::singleShot(0, &m_window, [&] {
+        QTimer::singleShot(0, &m_window, [] { QCoreApplication::exit(); });
+        result = Wait(true);
+    });
+    QApplication::exec();
+    EXPECT_EQ(result, WorkResult::Cancelled);
 }
 
 TEST_F(ProgressTest, AMessageThatComesUpMeanwhileCanBeAnswered)

@@ -85,9 +85,10 @@ TEST_F(InputTest, FurtherKeysOfTheViewComeAfterThoseOfTheTable)
     EXPECT_TRUE(Press(Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier));
     emit SubMenu(2)->aboutToShow();
     EXPECT_FALSE(overview->isChecked());
-    EXPECT_TRUE(IsEnabled(ID_ZOOM_OUT));
     EXPECT_TRUE(Press(Qt::Key_Plus, Qt::ControlModifier | Qt::ShiftModifier)) << "where Shift makes the plus";
+    EXPECT_TRUE(IsEnabled(ID_ZOOM_OUT));
     EXPECT_TRUE(Press(Qt::Key_0, Qt::ControlModifier));
+    EXPECT_FALSE(IsEnabled(ID_ZOOM_OUT));
     EXPECT_FALSE(Press(Qt::Key_V, Qt::ControlModifier | Qt::ShiftModifier)) << "nobody handles it";
 }
 

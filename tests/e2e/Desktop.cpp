@@ -89,10 +89,18 @@ bool Desktop::Focus(const std::string& title) const
     });
 }
 
-QRect Desktop::Area(const std::string& title) const
+std::string Desktop::WindowUnderPointer() const
 {
-    const std::string window = FindWindow(title);
-    std::istringstream lines(window.empty() ? std::string() : Xdotool({"getwindowgeometry", "--shell", window}));
+    const std::string text = Xdotool({"getmouselocation", "--shell"});
+    const std::string name = "WINDOW=";
+    const size_t start = text.find(name);
+    return start == std::string::npos ? std::string()
+                                      : text.substr(start + name.size(), text.find('\n', start) - start - name.size());
+}
+
+QRect Desktop::Area(const std::string& window) const
+{
+    std::istringstream lines(Xdotool({"getwindowgeometry", "--shell", window}));
     std::map<std::string, int> values;
     for (std::string line; std::getline(lines, line);) {
         const size_t equals = line.find('=');

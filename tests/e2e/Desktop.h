@@ -27,8 +27,9 @@ public:
     bool HasWindow(const std::string& title) const { return !FindWindow(title).empty(); }
     /// Waits for the window and gives it the keyboard.
     bool Focus(const std::string& title) const;
-    /// Where it lies on the screen; empty when it is not there.
-    QRect Area(const std::string& title) const;
+    /// Also windows without a title, such as menus.
+    std::string WindowUnderPointer() const;
+    QRect Area(const std::string& window) const; ///< on the screen
     bool MoveWindow(const std::string& title, int x, int y, int width, int height) const;
 
     void MovePointer(int x, int y) const;

@@ -155,17 +155,18 @@ protected:
         EXPECT_TRUE(hasSaid("dropped copy"));
     }
 
-    /// The menu is the only window that bears the program's name. A negative y counts from its lower edge.
+    /// A negative y counts from the lower edge of the menu.
     void ClickInFileMenu(int y) const
     {
-        const char* menu = "^ek-wave-editor$";
-        const QRect window = m_desktop->Area(" - Ek Wave Editor");
-        m_desktop->Click(window.x() + 28, window.y() + 12);
-        ASSERT_TRUE(Eventually([&] { return m_desktop->HasWindow(menu); }));
-        const QRect area = m_desktop->Area(menu);
-        m_desktop->MovePointer(area.x() + 60, y < 0 ? area.bottom() + y - 4 : area.y() + y - 4);
-        m_desktop->Click(area.x() + 60, y < 0 ? area.bottom() + y : area.y() + y);
-        ASSERT_TRUE(Eventually([&] { return !m_desktop->HasWindow(menu); }));
+        const std::string window = m_desktop->FindWindow(" - Ek Wave Editor");
+        const QPoint corner = m_desktop->Area(window).topLeft();
+        m_desktop->Click(corner.x() + 28, corner.y() + 12);
+        m_desktop->MovePointer(corner.x() + 60, corner.y() + 40);
+        ASSERT_TRUE(Eventually([&] { return m_desktop->WindowUnderPointer() != window; }));
+        const QRect menu = m_desktop->Area(m_desktop->WindowUnderPointer());
+        const int entry = y < 0 ? menu.bottom() + y : menu.y() + y;
+        m_desktop->MovePointer(menu.x() + 60, entry - 4); // a menu that has just opened wants to see a movement
+        m_desktop->Click(menu.x() + 60, entry);
     }
 
     void AnswerFileDialog(const std::string& title, const std::filesystem::path& file) const

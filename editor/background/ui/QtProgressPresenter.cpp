@@ -88,7 +88,7 @@ WorkResult QtProgressPresenter::Show(CProgressDlg& progress)
     if (!progress.HasResult())
         loop.exec();
     if (!progress.HasResult())
-        progress.Cancel(); // the loop also ends when the program quits
+        progress.Cancel();                           // the loop also ends when the program quits
     const WorkResult result = progress.WaitResult(); // the worker has left Finish, and with it the loop, after this
     progress.End();
     delete dialog;
