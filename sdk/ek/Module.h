@@ -82,6 +82,7 @@ EK_EXPORT QWidget* EkInitialize(QWidget* parent, void*, void*, ek::CHostFrame* h
 EK_EXPORT QMenu* EkGetMenu(QWidget* frameWindow);
 EK_EXPORT const ek::AcceleratorTable* EkGetAccelTable(QWidget* frameWindow);
 EK_EXPORT void EkChangeState(QWidget* frameWindow, int active);
+/// Does nothing while long work runs: EkTryClose has answered 0 then.
 EK_EXPORT void EkFree(QWidget* frameWindow);
 /// Reads every skin-dependent resource again; 1.
 EK_EXPORT int EkLoadSkin(QWidget* frameWindow, const char16_t* skinName);
@@ -92,9 +93,10 @@ EK_EXPORT void EkProcessDllIdle();
 EK_EXPORT int EkPassMessage(QWidget* frameWindow, void*, const char16_t* text);
 /// 1 and the record filled when its Size is 20, else 0 and the record untouched.
 EK_EXPORT int EkGetModuleInfo(void*, ek::ModuleInfo* info);
-/// Offers a command, or an update query, to the module; nonzero when it was handled.
+/// Offers a command, or an update query, to the module; nonzero when it was handled. For CN_COMMAND `extra` is the
+/// command's parameter as a MessageEvent carries it in LParam. While long work runs commands are refused.
 EK_EXPORT int EkOnCmdMsg(QWidget* frameWindow, uint32_t command, int code, void* extra, void* handlerInfo);
 EK_EXPORT int EkPreTranslateMessage(void*, const ek::WindowMessage* message);
-/// 1 when every document is closed, 0 when the user kept one open.
+/// 1 when every document is closed, 0 when the user kept one open or long work is under way.
 EK_EXPORT int EkTryClose();
 }
