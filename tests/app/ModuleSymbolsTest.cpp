@@ -8,11 +8,12 @@
 
 namespace {
 
-/// An instrumented module also exports what its sanitizer needs, under names reserved for the compiler.
+/// An instrumented module also exports what its sanitizer watches: names reserved for the compiler, and constants of
+/// the standard library.
 bool IsSanitizers(const std::string& symbol)
 {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return symbol.starts_with("__");
+    return symbol.starts_with("__") || symbol.starts_with("_ZSt");
 #else
     return symbol.empty();
 #endif
