@@ -3,6 +3,7 @@
 
 #include "debugmanager/DebugManager.h"
 #include "framework/Prompts.h"
+#include "platform/SaveTarget.h"
 #include "platform/TempFile.h"
 #include "platform/Text.h"
 #include "servicefuncs/Channels.h"
@@ -17,17 +18,6 @@ namespace ek {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Where a write to the path would land: links are followed, also one that leads to a file yet to be made.
-fs::path FollowLinks(fs::path path)
-{
-    constexpr int LinkLimit = 40;
-    std::error_code error;
-    path = fs::absolute(path, error);
-    for (int links = 0; links < LinkLimit && fs::is_symlink(fs::symlink_status(path, error)); ++links)
-        path = path.parent_path() / fs::read_symlink(path, error);
-    return path;
-}
 
 constexpr int NameAttempts = 100;
 
@@ -83,18 +73,6 @@ bool Exporter::ChooseSettings() const
                          m_fileName.c_str()));
     }
     return false;
-}
-
-/// The folder's permission would be enough to put another file in the target's place, but a file that its owner has
-/// made read-only is meant to stay.
-bool Exporter::MayReplaceTarget() const
-{
-    std::error_code error;
-    const fs::file_status status = fs::status(m_target, error);
-    if (!fs::exists(status))
-        return true;
-    File file;
-    return fs::is_regular_file(status) && file.Open(m_target, File::Access::ReadWrite).Ok() && file.Close().Ok();
 }
 
 bool Exporter::CreateCoder(bool useStoredSettings)
@@ -201,7 +179,7 @@ bool Exporter::Save(bool useStoredSettings, bool* openAfter)
 {
     if (!useStoredSettings && !ChooseSettings())
         return false;
-    if (!MayReplaceTarget() || !CreateCoder(useStoredSettings)) {
+    if (!MayReplace(m_target).Ok() || !CreateCoder(useStoredSettings)) {
         ShowError("Can't create file");
         return false;
     }

@@ -32,7 +32,6 @@ private:
     bool ChooseSettings() const;
     bool LayoutFits() const;
     void SuggestLayout() const;
-    bool MayReplaceTarget() const;
     bool CreateCoder(bool useStoredSettings);
     bool CloseCoder();
     WorkResult WriteSound();
