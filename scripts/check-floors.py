@@ -31,28 +31,32 @@ ROOMS = {
     "debugmanager": Room("suite/debugmanager", "debugmanager", "platform"),
     "servicefuncs": Room("suite/servicefuncs", "servicefuncs", "sdk"),
     "ekdatapr": Room("suite/ekdatapr", "ekdatapr", "sdk platform servicefuncs"),
+    "effectmanager": Room("suite/effectmanager", "effectmanager", "sdk xml servicefuncs debugmanager"),
     "skinmanager": Room("suite/skinmanager", "skinmanager", "sdk platform xml"),
     # framework
     "framework": Room("framework", "framework", "sdk platform servicefuncs"),
     # editor
     "background": Room("editor/background", "background", "platform debugmanager"),
+    "dsp": Room("editor/dsp", "dsp", "sdk servicefuncs"),
     "resources": Room("editor/resources", "resources", "sdk"),
     "storage": Room("editor/storage", "storage", "background framework ekdatapr servicefuncs debugmanager"),
-    "waveedit": Room("editor/waveedit", "waveedit", "storage framework"),
-    "waveview": Room("editor/waveview", "waveview", "waveedit"),
+    "waveedit": Room("editor/waveedit", "waveedit", "storage framework dsp"),
+    "waveview": Room("editor/waveview", "waveview", "waveedit effectmanager"),
     "app": Room("editor/app", "app", "waveedit resources framework"),
     # screens
     "skincontrols": Room("suite/skincontrols", "skincontrols", "skinmanager", qt=True),
     "ekdatapr/ui": Room("suite/ekdatapr/ui", "ekdatapr/ui", "ekdatapr", qt=True),
-    "framework/ui": Room("framework/ui", "framework/ui", "framework skincontrols", qt=True),
+    "framework/ui": Room("framework/ui", "framework/ui", "framework skincontrols effectmanager", qt=True),
     "background/ui": Room("editor/background/ui", "background/ui", "background", qt=True),
-    "waveview/ui": Room("editor/waveview/ui", "waveview/ui", "waveview framework/ui resources", qt=True),
+    "waveedit/ui": Room("editor/waveedit/ui", "waveedit/ui", "waveedit framework/ui", qt=True),
+    "waveview/ui": Room("editor/waveview/ui", "waveview/ui", "waveview waveedit/ui framework/ui resources", qt=True),
     "app/ui": Room("editor/app/ui", "app/ui",
                    "app waveview/ui framework/ui background/ui ekdatapr/ui resources", qt=True),
     # programs
     "exports": Room("editor/app/exports", "", "app/ui", qt=True),
-    "host": Room("host", "host", "sdk xml platform debugmanager ekdatapr skinmanager skincontrols", qt=True),
-    "ekbatch": Room("tools/ekbatch", "", "app"),
+    "devices": Room("host/devices", "devices", "sdk platform servicefuncs debugmanager"),
+    "host": Room("host", "host", "sdk xml platform debugmanager ekdatapr skinmanager skincontrols devices", qt=True),
+    "ekbatch": Room("tools/ekbatch", "", "app waveview devices"),
 }
 # Tests, benchmarks and fuzzers may look into every room.
 OUTSIDE = ("tests/", "bench/", "fuzz/")

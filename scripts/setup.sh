@@ -8,12 +8,14 @@ set -euo pipefail
 run=(g++ make cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-qpa-plugins libgl-dev
     libsndfile1-dev libsoxr-dev libpugixml-dev libutfcpp-dev libspdlog-dev libcli11-dev
+    libfftw3-dev librtaudio-dev libreaderwriterqueue-dev
     fonts-dejavu-core)
 # A session without X11 needs Qt's Wayland plugin; every other one does without it.
 [[ -n ${WAYLAND_DISPLAY:-} && -z ${DISPLAY:-} ]] && run+=(qt6-wayland)
 
-# An X server without hardware and a hand on its mouse; alsa-utils brings recordings of a voice.
-test=("${run[@]}" libgtest-dev libgmock-dev xvfb xdotool alsa-utils)
+# An X server without hardware and a hand on its mouse; alsa-utils brings recordings of a voice; PulseAudio plays into
+# a sink that is nowhere.
+test=("${run[@]}" libgtest-dev libgmock-dev xvfb xdotool alsa-utils pulseaudio pulseaudio-utils)
 bench=("${test[@]}" hyperfine sox)
 lint=("${test[@]}" clang-format clang-tidy python3 git)
 fuzz=("${run[@]}" clang libclang-rt-14-dev)

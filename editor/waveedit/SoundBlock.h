@@ -23,6 +23,9 @@ public:
     /// Takes over an existing file of raw frames, and with it the duty to delete it.
     bool OpenFile(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& format);
     void Free();
+    /// Becomes `source` in another format, behind a progress that can be cancelled. False: it is empty, and the user
+    /// was told unless it was he who cancelled.
+    bool ConvertFrom(const CSoundBlock& source, const WAVEFORMATEXTENSIBLE& format);
 
     const std::filesystem::path& FileName() const { return m_file.Path(); }
 
@@ -36,5 +39,9 @@ private:
     uint64_t m_rangeStart = 0;
     uint64_t m_rangeEnd = 0;
 };
+
+/// The last copied sound, shared by all documents; empty while its FrameCount is 0. The application frees it before it
+/// goes.
+CSoundBlock& SoundClipboard();
 
 } // namespace ek

@@ -5,14 +5,13 @@
 #include "storage/ColumnCache.h"
 #include "storage/WaveData.h"
 #include "waveedit/ClipRegistry.h"
+#include "waveedit/UndoStack.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace ek {
-
-class CSoundBlock;
 
 /// The document of the wave editor: one sound and the display settings that its view keeps with it.
 class CWEDoc final : public CDocument {
@@ -37,6 +36,29 @@ public:
     /// Links the document to the clip that it edits: Save then gives the sound back instead of writing a file.
     void SetEditKey(const EditKey& key) { m_editKey = key; }
     void ClearEditKey() { m_editKey.reset(); }
+
+    // Edits of frames [start, end) of one channel, or of all (ChannelAll), each behind a progress. They tell the views
+    // what changed. One that fails or is cancelled leaves the sound and the undo stack as they were, and one that
+    // fails has told the user why.
+    bool Copy(uint64_t start, uint64_t end, ChannelCode code); ///< into the sound clipboard
+    /// The range is replaced by the clipboard's sound and becomes that of the pasted frames. A document without sound
+    /// takes the clipboard's format first; another format is converted. False also when the clipboard is empty.
+    bool Paste(uint64_t& start, uint64_t& end, ChannelCode code);
+    /// The clipboard's sound is mixed in from `start` on; `end` becomes the end of the mixed range.
+    bool PasteMix(uint64_t& start, uint64_t& end, ChannelCode code);
+    /// All channels: removed. One of several: silenced. The undo entry gets the label, or "Deleting..." for none.
+    bool Delete(uint64_t start, uint64_t end, ChannelCode code, const std::string& undoLabel = {});
+    bool Undo(uint64_t& start, uint64_t& end); ///< the range becomes the one that came back
+    bool Redo(uint64_t& start, uint64_t& end);
+    bool CanUndo() const { return m_undo.CanUndo(); }
+    bool CanRedo() const { return m_undo.CanRedo(); }
+    const CUndoStack& UndoStack() const { return m_undo; }
+    static bool IsClipboardEmpty() { return SoundClipboard().FrameCount == 0; }
+
+    /// What an edit stores before it replaces [start, start + length): that sound, which an undo puts back in the place
+    /// of [start, newEnd). False: nothing is stored, and nothing may be changed.
+    bool StoreUndo(uint64_t start, uint64_t length, uint64_t newEnd, const std::string& name, ChannelCode code);
+    bool RollBack(); ///< takes back the edit that StoreUndo was called for, and its entry
 
     bool IsReady() const { return m_ready; } ///< sound is present; views draw nothing otherwise
     uint64_t FrameCount() const { return m_store.FrameCount(); }
@@ -72,6 +94,7 @@ private:
     void OnUpdateSave(CommandUi& ui) { ui.Enabled = m_ready; }
 
     CWaveData m_store;
+    CUndoStack m_undo;
     ColumnCache m_columns;
     bool m_ready = false;
     std::optional<EditKey> m_editKey;

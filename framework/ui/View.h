@@ -9,6 +9,8 @@
 
 namespace ek {
 
+class CEffectTree;
+class CHostPlayer;
 class MessageEvent;
 
 /// What a view needs of the frame that it lives in.
@@ -20,6 +22,8 @@ public:
     virtual bool RunCommand(uint32_t id) = 0;
     /// What came along with the command that is running: for the history lists the tool bar's QWidget; else 0.
     virtual intptr_t CommandParameter() const { return 0; }
+    virtual CHostPlayer* Player() const { return nullptr; } ///< null: the host has none
+    virtual CEffectTree* GetEffectTree() const { return nullptr; }
     /// Shows a text in the host's status bar; empty clears it.
     virtual void ShowStatusText(const QString& text) = 0;
 

@@ -10,8 +10,10 @@ namespace ek {
 class CHostAudioDevice;
 
 /// Called on the device's pump thread whenever a player needs data or a recorder has data. It may lock, read
-/// files and allocate: the sound card's own thread never runs it. `user` is what SetCallback was given.
-using AudioCallback = void (*)(CHostAudioDevice* device, void* request, void* user);
+/// files and allocate: the sound card's own thread never runs it. `request` is a PlayRequest or a CaptureRequest (see
+/// SoundData.h), which also say what is returned; `user` is what SetCallback was given. No call runs, and none begins,
+/// once Stop has returned; so Stop waits for one that runs, and must not be called by it.
+using AudioCallback = uint32_t (*)(CHostAudioDevice* device, void* request, void* user);
 
 /// What the host's playback and capture devices have in common. The order of the virtual functions is the
 /// contract: the module calls them by slot. Every call is made on the user-interface thread.

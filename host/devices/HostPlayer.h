@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "devices/AudioDevices.h"
+#include "ek/HostAudioDevice.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace ek {
+
+/// What the player tells the window around it. On the thread of the player's calls unless a line says otherwise.
+class HostPlayerListener {
+public:
+    virtual void OnPlayerGranted() = 0;  ///< a module has become the owner: it is to be sent "take the player"
+    virtual void OnPlayerReconfigured() = 0; ///< another device: the same
+    virtual void OnControlsChanged() = 0;    ///< the state, the owner, or whether playing may start
+    /// The device failed, went away, or was replaced; the text is for a person. Any thread.
+    virtual void OnDeviceTrouble(const std::string& text) = 0;
+
+protected:
+    ~HostPlayerListener() = default;
+};
+
+/// The playback device as the module sees it. A pump thread asks the module for blocks and fills a ring, from which
+/// the sound card's thread takes; that one never waits, allocates or calls anybody.
+class HostPlayer final : public CHostPlayer {
+public:
+    HostPlayer();
+    ~HostPlayer();
+    HostPlayer(const HostPlayer&) = delete;
+    HostPlayer& operator=(const HostPlayer&) = delete;
+
+    // For the window.
+    void SetListener(HostPlayerListener* listener);
+    void Choose(const AudioDeviceChoice& choice); ///< what plays goes on with the new device
+    const AudioDeviceChoice& Choice() const;
+    std::string DeviceName() const; ///< of the device in use, for a person; empty before the first start
+    void SetLoop(bool loop);
+    bool CanPlay() const; ///< what the module said last
+    uint32_t Progress() const; ///< 0 .. GetProgressRange()
+    uint64_t HeardMilliseconds() const; ///< since Start, pauses left out
+    /// Per channel the largest absolute value, 0 .. 1 and above, of what was heard since the last call.
+    std::array<float, 8> TakePeaks();
+    uint64_t DropoutCount() const; ///< blocks that came too late since Start
+    /// Follows the default device and restores a lost one. About once a second, on the thread of the calls.
+    void Watch();
+
+    // CHostPlayer; see there.
+    int Start() override;
+    void Stop() override;
+    void Pause() override;
+    const WAVEFORMATEXTENSIBLE* GetFormat() override;
+    void SetFormat(const WAVEFORMATEXTENSIBLE* format) override;
+    uint32_t GetBufferCount() override;
+    void SetBufferCount(uint32_t count) override;
+    uint32_t GetBufferSize() override;
+    void SetBufferSize(uint32_t bytes) override;
+    void SetCallback(AudioCallback callback, void* user) override;
+    uint32_t GetProgressRange() override;
+    void SetProgress(uint32_t value) override; ///< any thread
+    const char16_t* GetOwner() override;
+    int Acquire(const char16_t* moduleName) override;
+    void Release(const char16_t* moduleName) override;
+    void UpdateControls(const char16_t* moduleName, int canPlay) override;
+    int IsLoop() override;   ///< any thread
+    int GetState() override; ///< any thread
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace ek

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "devices/AudioDevices.h"
+#include "ek/HostAudioDevice.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace ek {
+
+/// What the recorder tells the window around it.
+class HostRecorderListener {
+public:
+    virtual void OnInputGranted() = 0; ///< a module owns the input: it is to be sent "set up the capture device"
+    virtual void OnDeviceTrouble(const std::string& text) = 0; ///< for a person. Any thread
+
+protected:
+    ~HostRecorderListener() = default;
+};
+
+/// The capture device as the module sees it: the sound card's thread puts samples into a ring, a pump thread hands
+/// them to the module in blocks of the buffer size.
+class HostRecorder final : public CHostRecorder {
+public:
+    HostRecorder();
+    ~HostRecorder();
+    HostRecorder(const HostRecorder&) = delete;
+    HostRecorder& operator=(const HostRecorder&) = delete;
+
+    void SetListener(HostRecorderListener* listener);
+    void Choose(const AudioDeviceChoice& choice);
+    const AudioDeviceChoice& Choice() const;
+    uint64_t DropoutCount() const; ///< frames lost since Start
+
+    // CHostRecorder; see there.
+    int Start() override;
+    void Stop() override; ///< what was captured before is delivered first
+    void Pause() override;
+    const WAVEFORMATEXTENSIBLE* GetFormat() override;
+    void SetFormat(const WAVEFORMATEXTENSIBLE* format) override;
+    uint32_t GetBufferCount() override;
+    void SetBufferCount(uint32_t count) override;
+    uint32_t GetBufferSize() override;
+    void SetBufferSize(uint32_t bytes) override;
+    void SetCallback(AudioCallback callback, void* user) override;
+    int AcquireInput(const char16_t* moduleName) override;
+    void ReleaseInput(const char16_t* moduleName) override;
+    void Register(const char16_t* moduleName, int interested) override;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+} // namespace ek
