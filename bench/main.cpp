@@ -20,9 +20,10 @@ struct Figure {
 };
 
 // The long sound late: file systems are slower to make files for a while after thousands were deleted.
-constexpr Figure Figures[] = {{"memory", MeasureMemory},  {"window", MeasureWindow},  {"open", MeasureOpen},
-                              {"save", MeasureSave},      {"peaks", MeasurePeaks},    {"space", MeasureTempSpace},
-                              {"long", MeasureLongSound}, {"columns", MeasureColumns}};
+constexpr Figure Figures[] = {{"memory", MeasureMemory},   {"window", MeasureWindow},  {"open", MeasureOpen},
+                              {"save", MeasureSave},       {"peaks", MeasurePeaks},    {"edits", MeasureEdits},
+                              {"space", MeasureTempSpace}, {"long", MeasureLongSound}, {"columns", MeasureColumns},
+                              {"dsp", MeasureDsp}};
 
 } // namespace
 
@@ -38,7 +39,8 @@ int main(int argc, char** argv)
         ->check(CLI::PositiveNumber);
     app.add_flag("--quick", quick, "six minutes instead of an hour");
     app.add_option("--folder", options.Folder, "where sounds and temporary files go")->check(CLI::ExistingDirectory);
-    app.add_option("--only", only, "these figures only: memory, window, open, save, peaks, space, long, columns");
+    app.add_option("--only", only,
+                   "these figures only: memory, window, open, save, peaks, edits, space, long, columns, dsp");
     CLI11_PARSE(app, argc, argv);
     if (quick)
         options.Hours = 0.1;

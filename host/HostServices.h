@@ -43,19 +43,24 @@ private:
 
 class CHostSkin;
 
-/// The object that EkInitialize gets. There are no audio devices.
+/// The object that EkInitialize gets.
 class HostObjects final : public CHostFrame {
 public:
-    HostObjects(CHostServices& services, CHostSkin& skin) : m_services(services), m_skin(skin) {}
+    HostObjects(CHostServices& services, CHostPlayer& player, CHostRecorder& recorder, CHostSkin& skin)
+        : m_services(services), m_player(player), m_recorder(recorder), m_skin(skin)
+    {
+    }
 
     uint32_t GetVersion() override { return 0x01000000; }
     CHostServices* GetServices() override { return &m_services; }
-    CHostPlayer* GetPlayer() override { return nullptr; }
-    CHostRecorder* GetRecorder() override { return nullptr; }
+    CHostPlayer* GetPlayer() override { return &m_player; }
+    CHostRecorder* GetRecorder() override { return &m_recorder; }
     CHostSkin* GetSkin() override { return &m_skin; }
 
 private:
     CHostServices& m_services;
+    CHostPlayer& m_player;
+    CHostRecorder& m_recorder;
     CHostSkin& m_skin;
 };
 

@@ -37,6 +37,7 @@ QToolBar QToolButton { border: none; border-radius: 4px; padding: 4px; backgroun
 QToolBar QToolButton:hover { background: %hover; }
 QToolBar QToolButton:pressed, QToolBar QToolButton:checked { background: %pressed; }
 QToolBar QToolButton[popupMode="1"] { padding-right: 15px; }
+QToolBar QToolButton[popupMode="2"]::menu-indicator { image: none; }
 QToolBar QToolButton::menu-button { border: none; width: 13px; }
 QToolBar QToolButton::menu-arrow { width: 7px; height: 7px; }
 QStatusBar { background: %face; color: %facetext; border-top: 1px solid %line; }

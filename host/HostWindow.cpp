@@ -6,9 +6,12 @@
 #include "host/ModuleMenu.h"
 #include "host/OpenRequest.h"
 #include "host/SkinChoice.h"
+#include "host/Transport.h"
 
 #include "debugmanager/DebugManager.h"
 #include "ek/Message.h"
+#include "skincontrols/Skin.h"
+#include "skincontrols/SystemColors.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -32,13 +35,30 @@ constexpr uintptr_t TextForHostCommand = 11000; ///< and two more, which carry n
 constexpr int TextForHostMilliseconds = 3000;
 constexpr char GeometryKey[] = "Geometry";
 
+AudioChoice ChooseAudio(const HostServices& services, const HostWindowOptions& options)
+{
+    return options.AudioOfThisRun ? AudioChoice{.Output = *options.AudioOfThisRun, .InputDevice = {}}
+                                  : LoadAudioChoice(services);
+}
+
+/// The host's icons stand beside the module's, and are of its colour.
+QColor IconColor(HostSkin& skin)
+{
+    std::string own;
+    const enXml* element = skin.GetSkinXml(QString::fromLatin1(ModuleName).toStdU16String().c_str(), u"Main");
+    const bool isNamed =
+        element && element->GetAttribute("color", own) && QColor::isValidColor(QString::fromStdString(own));
+    return isNamed ? QColor(QString::fromStdString(own)) : SkinColorOf(ColorButtonText);
+}
+
 } // namespace
 
 HostWindow::HostWindow(const ModuleExports& module, SettingsStore& settings, const HostWindowOptions& options)
     : m_module(module), m_desktop(std::make_unique<DesktopTheme>(options.AskDesktop)), m_services(settings),
-      m_objects(m_services, m_skin),
+      m_audio(ChooseAudio(m_services, options)), m_objects(m_services, m_audio.Player(), m_audio.Recorder(), m_skin),
       m_skins(new SkinChoice(m_skin, m_services, *m_desktop, options.SkinOfThisRun, this)),
-      m_menu(new ModuleMenu(module, *menuBar())), m_quit(new QAction(tr("Quit"), this)), m_page(new QWidget(this))
+      m_transport(new Transport(m_audio, m_services, *this)), m_menu(new ModuleMenu(module, *menuBar())),
+      m_quit(new QAction(tr("Quit"), this)), m_page(new QWidget(this))
 {
     m_menu->setParent(this);
     auto* layout = new QVBoxLayout(m_page);
@@ -47,9 +67,11 @@ HostWindow::HostWindow(const ModuleExports& module, SettingsStore& settings, con
     statusBar()->setSizeGripEnabled(false);
     setWindowTitle(QString::fromLatin1(ModuleName));
     MakeOwnMenus();
-    connect(m_skins, &SkinChoice::Changed, this, &HostWindow::LoadModuleSkin);
+    connect(m_skins, &SkinChoice::Changed, this, &HostWindow::TakeSkin);
     connect(&m_services, &HostServices::MenuChanged, this, [this] { m_isMenuStale = true; });
     connect(&m_services, &HostServices::StatusText, statusBar(), &QStatusBar::showMessage);
+    connect(m_transport, &Transport::StatusText, statusBar(), &QStatusBar::showMessage);
+    TakeSkin();
     RestorePlace();
 }
 
@@ -67,7 +89,7 @@ void HostWindow::MakeOwnMenus()
     auto* help = new QMenu(tr("Help"), this);
     connect(help->addAction(tr("About %1...").arg(QString::fromLatin1(ModuleName))), &QAction::triggered, this,
             [this] { RunCommand(AboutCommand); });
-    m_menu->SetOwnEntries(m_quit, m_skins->Menu(), help);
+    m_menu->SetOwnEntries(m_quit, m_skins->Menu(), m_transport->Menu(), help);
 }
 
 bool HostWindow::Start()
@@ -80,10 +102,14 @@ bool HostWindow::Start()
         return false;
     m_page->layout()->addWidget(m_frame);
     m_frame->installEventFilter(this);
+    m_audio.SetModule(m_frame);
     m_menu->Rebuild(m_frame);
+    m_moduleKeys = m_module.GetAccelTable(m_frame);
     if (IsKeyFree(Qt::Key_Q, Qt::ControlModifier))
         m_quit->setShortcut(Qt::CTRL | Qt::Key_Q);
-    LoadModuleSkin();
+    m_transport->Actions().AssignKeys(
+        [this](int key, Qt::KeyboardModifiers modifiers) { return IsKeyFree(key, modifiers); });
+    TakeSkin();
     m_module.ChangeState(m_frame, 1);
     TakeFrameTitle();
     m_loop = std::make_unique<ModuleLoop>(m_module, [this] { OnIdle(); });
@@ -93,14 +119,15 @@ bool HostWindow::Start()
 /// The module's keys go before the host's.
 bool HostWindow::IsKeyFree(int key, Qt::KeyboardModifiers modifiers) const
 {
-    const AcceleratorTable* table = m_module.GetAccelTable(m_frame);
+    const AcceleratorTable* table = m_moduleKeys;
     return !table || std::none_of(table->Entries, table->Entries + table->Count, [&](const Accelerator& entry) {
         return entry.Key == key && entry.Modifiers == modifiers.toInt();
     });
 }
 
-void HostWindow::LoadModuleSkin()
+void HostWindow::TakeSkin()
 {
+    m_transport->SetIcons(IconColor(m_skin));
     if (m_frame)
         m_module.LoadSkin(m_frame, QString::fromStdString(m_skins->WornSkin()).toStdU16String().c_str());
 }
@@ -157,6 +184,14 @@ void HostWindow::OnIdle()
     if (!m_waitingFiles.empty())
         QTimer::singleShot(0, this, &HostWindow::OpenWaitingFiles);
     m_module.ProcessDllIdle();
+    AskModuleOfRecorder();
+}
+
+void HostWindow::AskModuleOfRecorder()
+{
+    CommandUi ui{.Id = TransportRecord};
+    const bool isHandled = m_module.OnCmdMsg(m_frame, ui.Id, CN_UPDATE_COMMAND_UI, &ui, nullptr) != 0;
+    m_transport->SetCanRecord(isHandled && ui.Enabled);
 }
 
 void HostWindow::Settle()
@@ -236,6 +271,8 @@ void HostWindow::FreeModule()
         return;
     m_menu->Clear();
     m_loop.reset();
+    m_audio.TakePlayerAway();
+    m_audio.SetModule(nullptr);
     QWidget* frame = std::exchange(m_frame, nullptr);
     m_module.ChangeState(frame, 0);
     m_module.Free(frame);

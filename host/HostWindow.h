@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "host/HostAudio.h"
 #include "host/HostServices.h"
 #include "host/HostSkin.h"
 #include "host/Module.h"
@@ -10,6 +11,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,14 +22,16 @@ class MessageEvent;
 class ModuleLoop;
 class ModuleMenu;
 class SkinChoice;
+class Transport;
 
 struct HostWindowOptions {
-    std::string SkinOfThisRun; ///< worn instead of the stored choice when it is not empty
-    bool AskDesktop = true;    ///< whether the desktop may say that it is dark
+    std::string SkinOfThisRun;                       ///< worn instead of the stored choice when it is not empty
+    bool AskDesktop = true;                          ///< whether the desktop may say that it is dark
+    std::optional<AudioDeviceChoice> AudioOfThisRun; ///< played to instead of the stored choice
 };
 
-/// The program's window: the module's frame on a page, the menu bar, the status bar, the skin. It drives the module
-/// from EkInitialize to EkFree.
+/// The program's window: the module's frame on a page, the menu bar, the transport, the status bar, the skin. It drives
+/// the module from EkInitialize to EkFree.
 class HostWindow : public QMainWindow {
     Q_OBJECT
 
@@ -49,6 +53,7 @@ public:
 
     bool RunCommand(uint32_t id); ///< as if it came from a menu
     SkinChoice& Skins() { return *m_skins; }
+    HostAudio& Audio() { return m_audio; }
     /// Does the idle work that would come next, and lets the window catch up: for pictures of the present state.
     void Settle();
 
@@ -60,7 +65,8 @@ protected:
 private:
     void MakeOwnMenus();
     bool IsKeyFree(int key, Qt::KeyboardModifiers modifiers) const;
-    void LoadModuleSkin();
+    void TakeSkin();
+    void AskModuleOfRecorder();
     void RestorePlace();
     void TakeFrameTitle();
     void OnIdle();
@@ -73,12 +79,15 @@ private:
     std::unique_ptr<DesktopTheme> m_desktop;
     HostSkin m_skin;
     HostServices m_services;
+    HostAudio m_audio;
     HostObjects m_objects;
     SkinChoice* m_skins;
+    Transport* m_transport;
     ModuleMenu* m_menu;
     QAction* m_quit;
     QWidget* m_page;
     QPointer<QWidget> m_frame;
+    const AcceleratorTable* m_moduleKeys = nullptr;
     std::unique_ptr<ModuleLoop> m_loop;
     std::vector<std::filesystem::path> m_waitingFiles;
     bool m_isMenuStale = false;

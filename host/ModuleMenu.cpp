@@ -56,10 +56,11 @@ ModuleMenu::ModuleMenu(const ModuleExports& module, QMenuBar& bar)
 {
 }
 
-void ModuleMenu::SetOwnEntries(QAction* quit, QMenu* skins, QMenu* help)
+void ModuleMenu::SetOwnEntries(QAction* quit, QMenu* skins, QMenu* transport, QMenu* help)
 {
     m_quit = quit;
     m_skins = skins;
+    m_transport = transport;
     m_help = help;
 }
 
@@ -93,6 +94,7 @@ void ModuleMenu::PlaceOwnEntries(const QList<QMenu*>& menus)
         PlaceLast(*view, m_skinSeparator, m_skins->menuAction());
     else
         m_bar.addMenu(m_skins);
+    m_bar.addMenu(m_transport);
     m_bar.addMenu(m_help);
 }
 

@@ -23,7 +23,7 @@ public:
 
     /// The host's entries: at the end of the module's first menu; at the end of its View menu, or in the bar when it
     /// has none; and at the end of the bar. They outlive this object.
-    void SetOwnEntries(QAction* quit, QMenu* skins, QMenu* help);
+    void SetOwnEntries(QAction* quit, QMenu* skins, QMenu* transport, QMenu* help);
 
     /// Reads the module's menu again.
     void Rebuild(QWidget* moduleFrame);
@@ -41,6 +41,7 @@ private:
     QWidget* m_frame = nullptr;
     QAction* m_quit = nullptr;
     QMenu* m_skins = nullptr;
+    QMenu* m_transport = nullptr;
     QMenu* m_help = nullptr;
     QAction* m_quitSeparator;
     QAction* m_skinSeparator;

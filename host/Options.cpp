@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/Options.h"
 
+#include "devices/AudioDevices.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -18,6 +20,21 @@ std::string CheckWindowSize(const std::string& text)
     return ParseWindowSize(text) ? std::string() : "needs WIDTHxHEIGHT with numbers from 100 to 16384, not " + text;
 }
 
+std::string SystemNames(std::string_view between)
+{
+    std::string names;
+    for (const std::string& system : ListAudioSystems())
+        names += (names.empty() ? std::string() : std::string(between)) + system;
+    return names;
+}
+
+std::string CheckAudioSystem(const std::string& text)
+{
+    const std::vector<std::string> systems = ListAudioSystems();
+    return std::ranges::find(systems, text) != systems.end() ? std::string()
+                                                             : "needs one of " + SystemNames(", ") + ", not " + text;
+}
+
 std::filesystem::path Absolute(const std::filesystem::path& path)
 {
     std::error_code error;
@@ -32,6 +49,7 @@ void MakePathsAbsolute(Options& options)
     options.Screenshot = Absolute(options.Screenshot);
     options.Tour = Absolute(options.Tour);
     options.MakeDemo = Absolute(options.MakeDemo);
+    options.AudioFile = Absolute(options.AudioFile);
 }
 
 std::optional<int> ParseSide(std::string_view text)
@@ -49,6 +67,7 @@ struct RawOptions {
     std::string Screenshot;
     std::string Tour;
     std::string MakeDemo;
+    std::string AudioFile;
     std::string Size;
 };
 
@@ -57,6 +76,12 @@ void Declare(CLI::App& app, Options& options, RawOptions& raw)
     app.set_version_flag("--version", "ek-wave-editor " EK_VERSION);
     app.add_option("files", raw.Files, "Sound files to open; a running editor takes them over")->type_name("");
     app.add_option("--skin", options.Skin, "Use this skin for this run")->type_name("NAME");
+    CLI::Option* system =
+        app.add_option("--audio-system", options.AudioSystem, "Play to this audio system for this run");
+    system->type_name(SystemNames("|"))->check(CheckAudioSystem);
+    app.add_option("--audio-file", raw.AudioFile, "Write what is played into a WAV file, as fast as it comes")
+        ->type_name("FILE")
+        ->excludes(system);
     app.add_flag("--new-instance", options.NewInstance, "Start another editor beside a running one");
     CLI::Option* screenshot = app.add_option("--screenshot", raw.Screenshot, "Draw the window into a PNG and leave");
     screenshot->type_name("FILE");
@@ -77,6 +102,7 @@ void TakeOver(const RawOptions& raw, Options& options)
     options.Screenshot = raw.Screenshot;
     options.Tour = raw.Tour;
     options.MakeDemo = raw.MakeDemo;
+    options.AudioFile = raw.AudioFile;
     if (const auto size = ParseWindowSize(raw.Size))
         options.WindowSize = *size;
     MakePathsAbsolute(options);

@@ -12,7 +12,9 @@ namespace ek {
 /// What the command line asks for. Paths are absolute.
 struct Options {
     std::vector<std::filesystem::path> Files;
-    std::string Skin; ///< empty: the stored choice
+    std::string Skin;                ///< empty: the stored choice
+    std::string AudioSystem;         ///< one of ListAudioSystems; empty: the stored choice
+    std::filesystem::path AudioFile; ///< not empty: what is played goes into this WAV file
     bool NewInstance = false;
     std::filesystem::path Screenshot;          ///< not empty: draw the window into this PNG and leave
     std::filesystem::path Tour;                ///< not empty: walk through the editor, leave the results here

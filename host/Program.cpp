@@ -24,6 +24,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 namespace ek {
 
@@ -127,6 +128,17 @@ bool IsSkinKnown(HostWindow& window, const std::string& name)
     return false;
 }
 
+/// Nobody listens to a run that nobody sees.
+std::optional<AudioDeviceChoice> AudioOf(const Options& options)
+{
+    if (!options.AudioFile.empty())
+        return AudioDeviceChoice{.System = "file", .Device = {}, .File = options.AudioFile};
+    if (!options.AudioSystem.empty())
+        return AudioDeviceChoice{.System = options.AudioSystem, .Device = {}, .File = {}};
+    return options.IsUnattended() ? std::optional(AudioDeviceChoice{.System = "null", .Device = {}, .File = {}})
+                                  : std::nullopt;
+}
+
 int RunWindow(const Options& options, HandOverListener& listener)
 {
     ModuleExports module;
@@ -138,7 +150,8 @@ int RunWindow(const Options& options, HandOverListener& listener)
     }
     const bool isUnattended = options.IsUnattended();
     SettingsStore settings(isUnattended ? std::filesystem::path() : ConfigHome() / "ek-wave-editor" / "settings.ini");
-    HostWindowOptions windowOptions{.SkinOfThisRun = options.Skin, .AskDesktop = !isUnattended};
+    HostWindowOptions windowOptions{
+        .SkinOfThisRun = options.Skin, .AskDesktop = !isUnattended, .AudioOfThisRun = AudioOf(options)};
     if (isUnattended && options.Skin.empty())
         windowOptions.SkinOfThisRun = "Light";
     HostWindow window(module, settings, windowOptions);

@@ -11,6 +11,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
@@ -33,6 +34,8 @@ constexpr uint32_t ZoomOutVertical = 1057;
 constexpr uint32_t ScaleIn = 1304;
 constexpr uint32_t ScaleOut = 1305;
 constexpr int WheelNotch = 120;
+constexpr uint64_t HeardMillisecondsOfTour = 500;
+constexpr int PlayPatienceMilliseconds = 10000;
 
 void PressKey(QObject* receiver, int key, Qt::KeyboardModifiers modifiers, const QString& text = {})
 {
@@ -86,6 +89,8 @@ bool Tour::Run(const std::filesystem::path& file)
         {"one-channel", "Show one channel", command(ZoomInVertical)},
         {"all-channels", "Show all channels", command(ZoomOutVertical)},
         {"zoom-full", "Show the whole sound", command(ZoomFull)},
+        {"play", "Play it", [this] { return Play(); }},
+        {"stop", "Stop playing", [this] { return Stop(); }},
         {"dark", "Put on the dark skin", wear("Dark")},
         {"light", "Put on the light skin", wear("Light")},
         {"saved-flac", "Save it as FLAC", [this] { return SaveAs("tour.flac"); }},
@@ -142,6 +147,23 @@ bool Tour::TurnWheel(int notches, double positionInWidth)
         QCoreApplication::sendEvent(m_window.windowHandle(), &wheel);
     }
     return true;
+}
+
+/// Until some of it was heard.
+bool Tour::Play()
+{
+    if (!m_window.RunCommand(TransportPlay))
+        return false;
+    const HostPlayer& player = m_window.Audio().Player();
+    QDeadlineTimer patience(PlayPatienceMilliseconds);
+    while (player.HeardMilliseconds() < HeardMillisecondsOfTour && !patience.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents);
+    return player.HeardMilliseconds() >= HeardMillisecondsOfTour;
+}
+
+bool Tour::Stop()
+{
+    return m_window.RunCommand(TransportStop) && m_window.Audio().State().IsStopped();
 }
 
 bool Tour::SaveAs(const char* fileName)

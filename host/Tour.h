@@ -16,8 +16,8 @@ namespace ek {
 class HostWindow;
 class UnattendedDialogs;
 
-/// Walks through the editor as a person would: opens a file, zooms, changes the skin, saves in other formats. Leaves
-/// numbered pictures and the saved sounds in a folder, and says on stdout what it does.
+/// Walks through the editor as a person would: opens a file, zooms, plays, changes the skin, saves in other formats.
+/// Leaves numbered pictures and the saved sounds in a folder, and says on stdout what it does.
 class Tour {
 public:
     /// All of them outlive the tour; the folder exists.
@@ -37,6 +37,8 @@ private:
 
     bool Open(const std::filesystem::path& file);
     bool TurnWheel(int notches, double positionInWidth);
+    bool Play();
+    bool Stop();
     bool SaveAs(const char* fileName);
     bool AnswerFileName(QDialog& dialog, const QString& name);
     bool AnswerSaving(QDialog& dialog, const std::filesystem::path& target);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/FileCalls.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -84,6 +85,17 @@ int FileCalls::Unlink(const char* path)
 void* FileCalls::MMap(size_t length, int descriptor)
 {
     return ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+}
+
+void* FileCalls::MMapForReading(size_t length, int descriptor, off_t position)
+{
+    void* const address = ::mmap(nullptr, length, PROT_READ, MAP_SHARED, descriptor, position);
+    if (address == MAP_FAILED || ::madvise(address, length, MADV_POPULATE_READ) == 0)
+        return address;
+    const int error = errno;
+    ::munmap(address, length);
+    errno = error;
+    return MAP_FAILED;
 }
 
 int FileCalls::MUnmap(void* address, size_t length)

@@ -83,4 +83,10 @@ IoStatus MappedFile::CloseAndRemove()
     return closed.Ok() ? removed : closed;
 }
 
+void MappedFile::ReleaseMemory() const
+{
+    if (m_data)
+        (void)::madvise(m_data, static_cast<size_t>(MappedBytes(m_size)), MADV_DONTNEED); // shared: nothing is lost
+}
+
 } // namespace ek

@@ -22,6 +22,8 @@ public:
     IoStatus Open(const std::filesystem::path& path); ///< an existing file, all of it
     IoStatus Close();
     IoStatus CloseAndRemove();
+    /// The bytes no longer count as memory of the process until they are used again; what was written stays.
+    void ReleaseMemory() const;
 
     uint8_t* Data() const { return m_data; } ///< null while nothing is mapped
     uint64_t Size() const { return m_size; } ///< the bytes asked for, or the file's size

@@ -12,8 +12,10 @@ void MeasureWindow(Bench& bench);
 void MeasureOpen(Bench& bench);
 void MeasureSave(Bench& bench);
 void MeasurePeaks(Bench& bench);
+void MeasureEdits(Bench& bench); ///< speed, and memory of ekbatch
 void MeasureTempSpace(Bench& bench);
 void MeasureLongSound(Bench& bench); ///< whether cost per hour stays flat
 void MeasureColumns(Bench& bench);
+void MeasureDsp(Bench& bench); ///< transforms and the sample-rate converter
 
 } // namespace ek::bench

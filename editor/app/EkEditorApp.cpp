@@ -31,6 +31,11 @@ CEkEditorApp::CEkEditorApp()
         std::make_unique<CDocTemplate>(LoadString(IDS_WAVE_TEMPLATE), [] { return std::make_unique<CWEDoc>(); }));
 }
 
+CEkEditorApp::~CEkEditorApp()
+{
+    SoundClipboard().Free();
+}
+
 CDocTemplate* CEkEditorApp::FindTemplate(std::string_view documentName) const
 {
     const auto found = std::ranges::find(m_templates, documentName,

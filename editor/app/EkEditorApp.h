@@ -16,6 +16,9 @@ namespace ek {
 class CEkEditorApp : public CCmdTarget {
 public:
     CEkEditorApp();
+    ~CEkEditorApp() override; ///< the sound clipboard is emptied
+    CEkEditorApp(const CEkEditorApp&) = delete;
+    CEkEditorApp& operator=(const CEkEditorApp&) = delete;
 
     const std::string& WaveTemplateName() const { return m_waveTemplateName; }             ///< "Wave Editor"
     const std::string& MultitrackTemplateName() const { return m_multitrackTemplateName; } ///< "Multi Track"

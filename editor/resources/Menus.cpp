@@ -3,6 +3,10 @@
 
 #include "resources/CommandIds.h"
 
+#include <algorithm>
+#include <array>
+#include <iterator>
+
 namespace ek {
 
 namespace {
@@ -80,6 +84,49 @@ constexpr MenuItem AmplitudeMenu[] = {
     {ID_SCALE_FULL, "Zoom Out Full"},
 };
 
+constexpr MenuItem WaveZoomMenu[] = {
+    {ID_FIT_SELECTION, "Fit Selection"},
+    {ID_ZOOM_FULL, "Zoom Out Full"},
+    {ID_ZOOM_IN, "Zoom In"},
+    {ID_ZOOM_OUT, "Zoom Out"},
+};
+
+constexpr MenuItem WaveMenuStart[] = {
+    Submenu("Zoom", WaveZoomMenu), {ID_EDIT_CUT, "Cut"},  {ID_EDIT_COPY, "Copy"},
+    {ID_EDIT_PASTE, "Paste"},      {ID_DELETE, "Delete"}, {ID_SELECT_ALL, "Select All"},
+};
+
+constexpr MenuItem Left{ID_SELECT_LEFT, "Select All Left"};
+constexpr MenuItem Right{ID_SELECT_RIGHT, "Select All Right"};
+constexpr MenuItem FrontLeft{ID_SELECT_FRONT_LEFT, "Select All Front Left"};
+constexpr MenuItem FrontRight{ID_SELECT_FRONT_RIGHT, "Select All Front Right"};
+constexpr MenuItem FrontCenter{ID_SELECT_FRONT_CENTER, "Select All Front Center"};
+constexpr MenuItem BackLeft{ID_SELECT_BACK_LEFT, "Select All Back Left"};
+constexpr MenuItem BackRight{ID_SELECT_BACK_RIGHT, "Select All Back Right"};
+constexpr MenuItem BackCenter{ID_SELECT_BACK_CENTER, "Select All Back Center"};
+constexpr MenuItem SideLeft{ID_SELECT_SIDE_LEFT, "Select All Side Left"};
+constexpr MenuItem SideRight{ID_SELECT_SIDE_RIGHT, "Select All Side Right"};
+constexpr MenuItem LowFrequency{ID_SELECT_LOW_FREQUENCY, "Select All Low Frequency"};
+
+/// What all menus of the lanes have, and then one line for each channel.
+template <class... Items>
+constexpr auto WaveMenu(const Items&... channels)
+{
+    std::array<MenuItem, std::size(WaveMenuStart) + sizeof...(channels)> menu{};
+    std::ranges::copy(WaveMenuStart, menu.begin());
+    size_t next = std::size(WaveMenuStart);
+    ((menu[next++] = channels), ...);
+    return menu;
+}
+
+constexpr auto WaveMenuMono = WaveMenu();
+constexpr auto WaveMenuStereo = WaveMenu(Left, Right);
+constexpr auto WaveMenu4 = WaveMenu(FrontLeft, FrontRight, BackLeft, BackRight);
+constexpr auto WaveMenu5 = WaveMenu(FrontLeft, FrontRight, FrontCenter, BackCenter, LowFrequency);
+constexpr auto WaveMenu6 = WaveMenu(FrontLeft, FrontRight, FrontCenter, BackLeft, BackRight, LowFrequency);
+constexpr auto WaveMenu8 =
+    WaveMenu(FrontLeft, FrontRight, FrontCenter, SideLeft, SideRight, BackLeft, BackRight, LowFrequency);
+
 constexpr uint32_t MainToolBar[] = {
     ID_FILE_OPEN,
     ID_FILE_NEW,
@@ -112,12 +159,45 @@ std::span<const MenuItem> LoadMenu(uint32_t menuId)
     switch (menuId) {
     case MENU_MAIN:
         return MainMenu;
+    case MENU_WAVE_MONO:
+        return WaveMenuMono;
+    case MENU_WAVE_STEREO:
+        return WaveMenuStereo;
+    case MENU_WAVE_4:
+        return WaveMenu4;
+    case MENU_WAVE_5:
+        return WaveMenu5;
+    case MENU_WAVE_6:
+        return WaveMenu6;
+    case MENU_WAVE_8:
+        return WaveMenu8;
     case MENU_ZOOM_RATIO:
         return ZoomRatioMenu;
     case MENU_AMPLITUDE:
         return AmplitudeMenu;
     default:
         return {};
+    }
+}
+
+uint32_t WaveMenuOf(uint32_t channels)
+{
+    switch (channels) {
+    case 0:
+    case 2:
+        return MENU_WAVE_STEREO;
+    case 1:
+        return MENU_WAVE_MONO;
+    case 4:
+        return MENU_WAVE_4;
+    case 5:
+        return MENU_WAVE_5;
+    case 6:
+        return MENU_WAVE_6;
+    case 8:
+        return MENU_WAVE_8;
+    default:
+        return 0;
     }
 }
 

@@ -2,7 +2,6 @@
 #include "storage/EditProcessors.h"
 
 #include "servicefuncs/SampleBuffers.h"
-#include "storage/WaveData.h"
 
 #include <algorithm>
 #include <cstring>
@@ -38,93 +37,95 @@ const int16_t* SamplesAt(const SoundBuffer& block, uint64_t frame)
 
 } // namespace
 
-EditProcessor::EditProcessor(CWaveData& store, EditRange range)
-    : CWaveDataProcessor(store.Frames(), range.Start, range.Count, range.Caption, range.Cancellable,
+bool FramesBefore::ReadData(void* buffer, uint64_t offsetBytes, uint64_t lengthBytes)
+{
+    const uint64_t present = CountBelow(m_end, offsetBytes, lengthBytes);
+    std::memset(static_cast<uint8_t*>(buffer) + present, 0, lengthBytes - present);
+    return m_sound.ReadData(buffer, offsetBytes, present);
+}
+
+EditProcessor::EditProcessor(FrameSource& source, const WAVEFORMATEXTENSIBLE& format, EditRange range,
+                             Replacement* target)
+    : CWaveDataProcessor(source, range.Start, range.Count, range.Caption, range.Cancellable,
                          [this](uint8_t* frames, uint64_t first, uint64_t count) {
                              return Process(reinterpret_cast<int16_t*>(frames), first - m_range.Start, count);
                          }),
-      m_store(store), m_range(std::move(range))
+      m_format(format), m_range(std::move(range)), m_target(target)
 {
-}
-
-const WAVEFORMATEXTENSIBLE& EditProcessor::StoreFormat() const
-{
-    return m_store.WorkingFormat();
 }
 
 bool EditProcessor::AllChannels() const
 {
-    return m_range.Code == ChannelAll || StoreFormat().nChannels == 1;
+    return m_range.Code == ChannelAll || m_format.nChannels == 1;
 }
 
-bool EditProcessor::WriteBack(const void* frames, uint64_t first, uint64_t count)
+bool EditProcessor::Append(const void* frames, uint64_t count)
 {
-    const uint64_t blockAlign = StoreFormat().nBlockAlign;
-    return m_store.WriteData(frames, (m_range.Start + first) * blockAlign, count * blockAlign);
+    return m_target->Append(frames, count * m_format.nBlockAlign);
 }
 
-CXchgWaveDataProgress::CXchgWaveDataProgress(CWaveData& store, EditRange range, SoundBuffer& block, bool intoStore)
-    : EditProcessor(store, std::move(range)), m_block(block), m_intoStore(intoStore)
+CXchgWaveDataProgress::CXchgWaveDataProgress(FrameSource& source, const WAVEFORMATEXTENSIBLE& format, EditRange range,
+                                             SoundBuffer& block, Replacement* target)
+    : EditProcessor(source, format, std::move(range), target), m_block(block), m_outOfBlock(target != nullptr)
 {
 }
 
 bool CXchgWaveDataProgress::Process(int16_t* frames, uint64_t first, uint64_t count)
 {
     uint8_t* place = m_block.FrameAt(first);
-    if (!AllChannels()) {
-        // One channel goes back through a replacement, never from here.
-        if (!m_intoStore)
-            SplitChannel(reinterpret_cast<int16_t*>(place), frames, StoreFormat(), count,
-                         GetIndexByChannel(StoreFormat(), m_range.Code));
-        return true;
-    }
-    if (m_intoStore)
-        return WriteBack(place, first, count);
-    std::memcpy(place, frames, count * StoreFormat().nBlockAlign);
+    if (m_outOfBlock)
+        return Append(place, count);
+    if (AllChannels())
+        std::memcpy(place, frames, count * m_format.nBlockAlign);
+    else
+        SplitChannel(reinterpret_cast<int16_t*>(place), frames, m_format, count,
+                     GetIndexByChannel(m_format, m_range.Code));
     return true;
 }
 
-CClearWaveDataProgress::CClearWaveDataProgress(CWaveData& store, EditRange range, SoundBuffer* undo)
-    : EditProcessor(store, std::move(range)), m_undo(undo)
+CClearWaveDataProgress::CClearWaveDataProgress(FrameSource& source, const WAVEFORMATEXTENSIBLE& format, EditRange range,
+                                               Replacement& target, SoundBuffer* undo)
+    : EditProcessor(source, format, std::move(range), &target), m_undo(undo)
 {
 }
 
-bool CClearWaveDataProgress::Process(int16_t* frames, uint64_t first, uint64_t count)
+bool CClearWaveDataProgress::Process(int16_t* frames, uint64_t, uint64_t count)
 {
     if (m_undo)
-        AppendTo(*m_undo, frames, count, StoreFormat());
-    ClearWaveData(frames, StoreFormat(), count, m_range.Code);
-    return WriteBack(frames, first, count);
+        AppendTo(*m_undo, frames, count, m_format);
+    ClearWaveData(frames, m_format, count, m_range.Code);
+    return Append(frames, count);
 }
 
-CMixWaveDataProgress::CMixWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source,
-                                           SoundBuffer* undo)
-    : EditProcessor(store, std::move(range)), m_source(source), m_undo(undo)
+CMixWaveDataProgress::CMixWaveDataProgress(FrameSource& source, const WAVEFORMATEXTENSIBLE& format, EditRange range,
+                                           Replacement& target, const SoundBuffer& block, SoundBuffer* undo)
+    : EditProcessor(source, format, std::move(range), &target), m_block(block), m_undo(undo)
 {
 }
 
 bool CMixWaveDataProgress::Process(int16_t* frames, uint64_t first, uint64_t count)
 {
     if (m_undo)
-        AppendTo(*m_undo, frames, count, StoreFormat());
-    const uint64_t mixed = CountBelow(m_source.FrameCount, first, count);
-    MixWaveData(frames, frames, count, SamplesAt(m_source, first), mixed, StoreFormat(), m_range.Code);
-    return WriteBack(frames, first, count);
+        AppendTo(*m_undo, frames, count, m_format);
+    const uint64_t mixed = CountBelow(m_block.FrameCount, first, count);
+    MixWaveData(frames, frames, count, SamplesAt(m_block, first), mixed, m_format, m_range.Code);
+    return Append(frames, count);
 }
 
-CSubstituteWaveDataProgress::CSubstituteWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source)
-    : EditProcessor(store, std::move(range)), m_source(source)
+CSubstituteWaveDataProgress::CSubstituteWaveDataProgress(FrameSource& source, const WAVEFORMATEXTENSIBLE& format,
+                                                         EditRange range, Replacement& target, const SoundBuffer& block)
+    : EditProcessor(source, format, std::move(range), &target), m_block(block)
 {
 }
 
 bool CSubstituteWaveDataProgress::Process(int16_t* frames, uint64_t first, uint64_t count)
 {
     if (AllChannels())
-        return WriteBack(SamplesAt(m_source, first), first, count);
-    const uint64_t copied = CountBelow(m_source.FrameCount, first, count);
-    CopyWaveData(frames, SamplesAt(m_source, first), StoreFormat(), copied, m_range.Code);
-    ClearWaveData(frames + copied * StoreFormat().nChannels, StoreFormat(), count - copied, m_range.Code);
-    return WriteBack(frames, first, count);
+        return Append(SamplesAt(m_block, first), count);
+    const uint64_t copied = CountBelow(m_block.FrameCount, first, count);
+    CopyWaveData(frames, SamplesAt(m_block, first), m_format, copied, m_range.Code);
+    ClearWaveData(frames + copied * m_format.nChannels, m_format, count - copied, m_range.Code);
+    return Append(frames, count);
 }
 
 } // namespace ek

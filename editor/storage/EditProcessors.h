@@ -2,14 +2,13 @@
 #pragma once
 
 #include "background/WaveDataProcessor.h"
+#include "storage/Replacement.h"
 #include "storage/SoundBuffer.h"
 
 #include <cstdint>
 #include <string>
 
 namespace ek {
-
-class CWaveData;
 
 /// The frames that an edit runs over, the channel it concerns, and how it is shown.
 struct EditRange {
@@ -20,39 +19,56 @@ struct EditRange {
     bool Cancellable = false;
 };
 
-/// A processor that changes the sample data of a store chunk by chunk.
-class EditProcessor : public CWaveDataProcessor {
-protected:
-    EditProcessor(CWaveData& store, EditRange range);
-    ~EditProcessor() override = default;
+/// What an edit finds in its range: the frames of a sound up to one of them, silence from there on. Nothing of what
+/// lies behind that frame is read.
+class FramesBefore final : public FrameSource {
+public:
+    FramesBefore(FrameSource& sound, uint64_t endFrame) : m_sound(sound), m_end(endFrame * sound.BlockAlign()) {}
+    uint32_t BlockAlign() const override { return m_sound.BlockAlign(); }
+    bool ReadData(void* buffer, uint64_t offsetBytes, uint64_t lengthBytes) override;
 
-    /// One chunk of the store, changed in place; `first` is relative to the range. False ends the run with Failed.
-    virtual bool Process(int16_t* frames, uint64_t first, uint64_t count) = 0;
-
-    const WAVEFORMATEXTENSIBLE& StoreFormat() const;
-    bool AllChannels() const; ///< the edit concerns whole frames
-    bool WriteBack(const void* frames, uint64_t first, uint64_t count);
-
-    CWaveData& m_store;
-    const EditRange m_range;
+private:
+    FrameSource& m_sound;
+    const uint64_t m_end; ///< bytes
 };
 
-/// Copies frames between the store and a block.
+/// A processor that makes the new frames of a range, chunk by chunk, and appends them to the replacement of that range.
+class EditProcessor : public CWaveDataProcessor {
+protected:
+    EditProcessor(FrameSource& source, const WAVEFORMATEXTENSIBLE& format, EditRange range, Replacement* target);
+    ~EditProcessor() override = default;
+
+    /// One chunk of the source, which may be changed; `first` is relative to the range. False ends the run with Failed.
+    virtual bool Process(int16_t* frames, uint64_t first, uint64_t count) = 0;
+
+    bool AllChannels() const; ///< the edit concerns whole frames
+    bool Append(const void* frames, uint64_t count);
+
+    const WAVEFORMATEXTENSIBLE& m_format; ///< of the source
+    const EditRange m_range;
+
+private:
+    Replacement* m_target;
+};
+
+/// Copies frames into a block, or, with a target, out of it: whole frames only.
 class CXchgWaveDataProgress final : public EditProcessor {
 public:
-    CXchgWaveDataProgress(CWaveData& store, EditRange range, SoundBuffer& block, bool intoStore);
+    CXchgWaveDataProgress(FrameSource& source, const WAVEFORMATEXTENSIBLE& format, EditRange range, SoundBuffer& block,
+                          Replacement* target);
 
 private:
     bool Process(int16_t* frames, uint64_t first, uint64_t count) override;
 
     SoundBuffer& m_block;
-    const bool m_intoStore;
+    const bool m_outOfBlock;
 };
 
 /// Silences frames; the old ones go into an undo block (may be null) from its fill position on.
 class CClearWaveDataProgress final : public EditProcessor {
 public:
-    CClearWaveDataProgress(CWaveData& store, EditRange range, SoundBuffer* undo);
+    CClearWaveDataProgress(FrameSource& source, const WAVEFORMATEXTENSIBLE& format, EditRange range,
+                           Replacement& target, SoundBuffer* undo);
 
 private:
     bool Process(int16_t* frames, uint64_t first, uint64_t count) override;
@@ -63,24 +79,26 @@ private:
 /// Mixes a block in; the old frames go into an undo block (may be null) as far as it has room.
 class CMixWaveDataProgress final : public EditProcessor {
 public:
-    CMixWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source, SoundBuffer* undo);
+    CMixWaveDataProgress(FrameSource& source, const WAVEFORMATEXTENSIBLE& format, EditRange range, Replacement& target,
+                         const SoundBuffer& block, SoundBuffer* undo);
 
 private:
     bool Process(int16_t* frames, uint64_t first, uint64_t count) override;
 
-    const SoundBuffer& m_source;
+    const SoundBuffer& m_block;
     SoundBuffer* m_undo;
 };
 
 /// Puts a block in the place of the range: of the frames, or of one channel, which is silent behind the block's end.
 class CSubstituteWaveDataProgress final : public EditProcessor {
 public:
-    CSubstituteWaveDataProgress(CWaveData& store, EditRange range, const SoundBuffer& source);
+    CSubstituteWaveDataProgress(FrameSource& source, const WAVEFORMATEXTENSIBLE& format, EditRange range,
+                                Replacement& target, const SoundBuffer& block);
 
 private:
     bool Process(int16_t* frames, uint64_t first, uint64_t count) override;
 
-    const SoundBuffer& m_source;
+    const SoundBuffer& m_block;
 };
 
 } // namespace ek

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "storage/PeakBuilder.h"
 
+#include "platform/FileView.h"
+
 #include <algorithm>
 #include <memory>
 #include <system_error>
+#include <thread>
+#include <vector>
 
 namespace ek {
 
@@ -12,8 +16,14 @@ namespace {
 /// Small enough to stay in a core's second-level cache between reading and entering.
 constexpr uint64_t BufferBytes = 245760;
 
+/// What a thread takes at once: several files, so that few are mapped twice, and a small part of a long sound.
+constexpr uint64_t SpanBytes = 4 * TempFileList::LargestFile;
+
 /// A shorter range is not worth a second thread.
 constexpr uint64_t ParallelBytes = 4 * BufferBytes;
+
+/// More would wait for the memory only.
+constexpr uint32_t MostThreads = 4;
 
 uint64_t RoundDownToBlock(uint64_t frames)
 {
@@ -27,7 +37,7 @@ PeakBuilder::PeakBuilder(TempFileList& files, uint32_t blockAlign, PeakCache& pe
 {
 }
 
-bool PeakBuilder::EnterRange(CProgressDlg& progress, uint64_t start, uint64_t end)
+bool PeakBuilder::EnterByReading(uint64_t start, uint64_t end)
 {
     const uint64_t bufferFrames = RoundDownToBlock(BufferBytes / m_blockAlign);
     const auto buffer = std::make_unique_for_overwrite<int16_t[]>(BufferBytes / sizeof(int16_t));
@@ -36,16 +46,51 @@ bool PeakBuilder::EnterRange(CProgressDlg& progress, uint64_t start, uint64_t en
         if (!m_files.Read(buffer.get(), frame * m_blockAlign, frames * m_blockAlign))
             return false;
         m_peaks.Enter(buffer.get(), frame, frames, m_onlyChannel);
-        const uint64_t done = m_done.fetch_add(frames) + frames;
-        progress.SetPos(static_cast<uint32_t>(done * 100 / m_total));
     }
     return true;
 }
 
-/// On a thread of its own, or, when the system has none left, on the one that asks for the outcome.
-std::future<bool> PeakBuilder::StartRange(CProgressDlg& progress, uint64_t start, uint64_t end)
+/// Frames that lie in one file. What cannot be mapped is read, which also says what is wrong with it.
+bool PeakBuilder::EnterPart(const TempFileEntry& file, uint64_t frame, uint64_t frames)
 {
-    const auto enter = [=, this, &progress] { return EnterRange(progress, start, end); };
+    FileView view;
+    if (!view.Map(file.Handle, frame * m_blockAlign - file.Start, frames * m_blockAlign).Ok())
+        return EnterByReading(frame, frame + frames);
+    m_peaks.Enter(reinterpret_cast<const int16_t*>(view.Data()), frame, frames, m_onlyChannel);
+    return true;
+}
+
+bool PeakBuilder::EnterSpan(uint64_t start, uint64_t end)
+{
+    for (uint64_t frame = start; frame < end;) {
+        const TempFileEntry* const file = m_files.FileAt(frame * m_blockAlign);
+        if (!file || file->End() % m_blockAlign != 0)
+            return EnterByReading(RoundDownToBlock(frame), end);
+        const uint64_t partEnd = std::min(end, file->End() / m_blockAlign);
+        if (!EnterPart(*file, frame, partEnd - frame))
+            return false;
+        frame = partEnd;
+    }
+    return true;
+}
+
+bool PeakBuilder::EnterSpans(CProgressDlg& progress)
+{
+    const uint64_t spanFrames = RoundDownToBlock(SpanBytes / m_blockAlign);
+    for (;;) {
+        const uint64_t start = m_next.fetch_add(spanFrames);
+        if (start >= m_end)
+            return true;
+        progress.SetPos(static_cast<uint32_t>((start - m_start) * 100 / (m_end - m_start)));
+        if (!EnterSpan(start, std::min(start + spanFrames, m_end)))
+            return false;
+    }
+}
+
+/// On a thread of its own, or, when the system has none left, on the one that asks for the outcome.
+std::future<bool> PeakBuilder::StartHelper(CProgressDlg& progress)
+{
+    const auto enter = [this, &progress] { return EnterSpans(progress); };
     try {
         return std::async(std::launch::async, enter);
     } catch (const std::system_error&) {
@@ -55,16 +100,18 @@ std::future<bool> PeakBuilder::StartRange(CProgressDlg& progress, uint64_t start
 
 WorkResult PeakBuilder::Work(CProgressDlg& progress, uint64_t start, uint64_t end)
 {
-    m_total = end - start;
-    const bool parallel = m_total * m_blockAlign >= ParallelBytes;
-    const uint64_t middle = parallel ? start + RoundDownToBlock(m_total / 2) : end;
-    std::future<bool> second;
-    if (parallel)
-        second = StartRange(progress, middle, end);
-    const bool firstOk = EnterRange(progress, start, middle);
-    const bool secondOk = !parallel || second.get();
+    m_start = m_next = start;
+    m_end = end;
+    std::vector<std::future<bool>> helpers;
+    if ((end - start) * m_blockAlign >= ParallelBytes)
+        helpers.resize(std::clamp(std::thread::hardware_concurrency(), 1U, MostThreads) - 1);
+    for (std::future<bool>& helper : helpers)
+        helper = StartHelper(progress);
+    bool ok = EnterSpans(progress);
+    for (std::future<bool>& helper : helpers)
+        ok = helper.get() && ok;
     m_peaks.FinishCoarse(start, end);
-    return firstOk && secondOk ? WorkResult::Finished : WorkResult::Failed;
+    return ok ? WorkResult::Finished : WorkResult::Failed;
 }
 
 bool PeakBuilder::Run(uint64_t start, uint64_t end)

@@ -24,15 +24,19 @@ public:
 
 private:
     WorkResult Work(CProgressDlg& progress, uint64_t start, uint64_t end);
-    std::future<bool> StartRange(CProgressDlg& progress, uint64_t start, uint64_t end);
-    bool EnterRange(CProgressDlg& progress, uint64_t start, uint64_t end);
+    std::future<bool> StartHelper(CProgressDlg& progress);
+    bool EnterSpans(CProgressDlg& progress);
+    bool EnterSpan(uint64_t start, uint64_t end);
+    bool EnterPart(const TempFileEntry& file, uint64_t frame, uint64_t frames);
+    bool EnterByReading(uint64_t start, uint64_t end);
 
     TempFileList& m_files;
     const uint32_t m_blockAlign;
     PeakCache& m_peaks;
     const uint32_t m_onlyChannel;
-    uint64_t m_total = 0;
-    std::atomic<uint64_t> m_done = 0;
+    uint64_t m_start = 0;
+    uint64_t m_end = 0;
+    std::atomic<uint64_t> m_next = 0; ///< the first frame that no thread has taken yet
 };
 
 } // namespace ek

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstring>
 
 namespace ek {
 
@@ -10,10 +11,13 @@ namespace {
 
 PeakPair ExtremesOf(const std::vector<PeakPair>& pairs, uint64_t first, uint64_t end)
 {
-    PeakPair extremes = NoPeak;
-    for (uint64_t i = first; i < end; ++i)
-        Widen(extremes, pairs[i]);
-    return extremes;
+    if (first >= end)
+        return NoPeak;
+    // Pairs are like frames of two channels, the smallest values in one and the largest in the other.
+    static_assert(sizeof(PeakPair) == 2 * sizeof(int16_t));
+    PeakPair ofEach[2];
+    InterleavedExtremes(&pairs[first].Min, end - first, 2, ofEach);
+    return {ofEach[0].Min, ofEach[1].Max};
 }
 
 } // namespace
@@ -103,6 +107,19 @@ void PeakCache::FinishCoarse(uint64_t firstFrame, uint64_t endFrame)
             m_coarse[channel][i] = ExtremesOf(entries, first, std::min<uint64_t>(first + CoarseBlocks, entries.size()));
         }
     }
+}
+
+void PeakCache::Move(uint64_t first, uint64_t end, uint64_t to)
+{
+    for (uint32_t channel = 0; channel < m_channels && first < end; ++channel) {
+        PeakPair* const entries = m_entries[channel].data();
+        std::memmove(entries + to, entries + first, (end - first) * sizeof(PeakPair));
+    }
+}
+
+void PeakCache::Put(uint32_t channel, uint64_t first, std::span<const PeakPair> entries)
+{
+    std::ranges::copy(entries, m_entries[channel].begin() + static_cast<ptrdiff_t>(first));
 }
 
 PeakPair PeakCache::Extremes(uint32_t channel, uint64_t first, uint64_t end) const

@@ -36,6 +36,10 @@ public:
     /// After Enter calls: brings the coarse level up to date from the block of `firstFrame` to the end or `endFrame`.
     void FinishCoarse(uint64_t firstFrame, uint64_t endFrame);
 
+    /// Changes entries, which must be there; FinishCoarse is due afterwards.
+    void Move(uint64_t first, uint64_t end, uint64_t to); ///< of all channels
+    void Put(uint32_t channel, uint64_t first, std::span<const PeakPair> entries);
+
     /// Extremes of the entries [first, end) of a channel; (32767, -32768) when the range is empty.
     PeakPair Extremes(uint32_t channel, uint64_t first, uint64_t end) const;
 

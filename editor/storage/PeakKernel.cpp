@@ -10,6 +10,11 @@ namespace ek {
 namespace {
 
 constexpr size_t Lanes = 8;
+
+/// In values. The processor's own prefetching ends at every page of memory; this reaches into the next one. What lies
+/// behind the frames is not touched by it.
+constexpr size_t PrefetchDistance = 2048;
+
 using Vector = int16_t __attribute__((vector_size(2 * Lanes)));
 
 Vector LoadVector(const int16_t* values)
@@ -30,13 +35,20 @@ void ExtremesOf(const int16_t* frames, uint64_t count, PeakPair* extremes)
     const uint64_t groups = count / Lanes;
     for (uint64_t group = 1; group < groups; ++group) {
         const int16_t* values = frames + group * Lanes * Channels;
+        __builtin_prefetch(values + PrefetchDistance, 0, 2);
         for (uint32_t i = 0; i < Channels; ++i) {
             const Vector vector = LoadVector(values + i * Lanes);
             low[i] = vector < low[i] ? vector : low[i];
             high[i] = vector > high[i] ? vector : high[i];
         }
     }
-    for (size_t value = 0; value < Lanes * Channels; ++value)
+    // Where every vector has the same channel in the same lane they are brought together first.
+    constexpr uint32_t kinds = Lanes % Channels == 0 ? 1 : Channels;
+    for (uint32_t i = kinds; i < Channels; ++i) {
+        low[0] = low[i] < low[0] ? low[i] : low[0];
+        high[0] = high[i] > high[0] ? high[i] : high[0];
+    }
+    for (size_t value = 0; value < Lanes * kinds; ++value)
         Widen(extremes[value % Channels], {low[value / Lanes][value % Lanes], high[value / Lanes][value % Lanes]});
 }
 

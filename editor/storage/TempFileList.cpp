@@ -32,53 +32,29 @@ bool LogUnlessOk(const IoStatus& status, const char* format, const std::filesyst
     return status.Ok();
 }
 
-bool ReadFrom(const TempFileEntry& entry, void* buffer, uint64_t length, uint64_t position)
-{
-    return LogUnlessOk(entry.Handle.ReadAllAt(buffer, length, position),
-                       "Error! Failed to read data from temporary file \"%s\".", entry.Name);
-}
-
-bool WriteTo(TempFileEntry& entry, const void* data, uint64_t length, uint64_t position)
-{
-    return LogUnlessOk(entry.Handle.WriteAt(data, length, position),
-                       "Error! Failed to write data to temporary file \"%s\".", entry.Name);
-}
-
-/// Puts a new file in the place of the entry's, which can no longer be written: the old one's bytes up to `target`,
-/// then the given ones.
-bool MoveToNewFile(TempFileEntry& entry, const uint8_t* bytes, uint64_t target)
-{
-    TempFileEntry other;
-    const auto front = std::make_unique_for_overwrite<uint8_t[]>(target);
-    if (!ReadFrom(entry, front.get(), target, 0) || !TempFileList::CreateFile("ekewdme", other) ||
-        !WriteTo(other, front.get(), target, 0) || !WriteTo(other, bytes, entry.Length - target, target))
-        return false;
-    std::swap(entry.Handle, other.Handle);
-    entry.Name.swap(other.Name);
-    return true;
-}
-
-/// Moves the last bytes of a file, from `source` on, down to `target`. When that fails half-way the old bytes are
-/// put back, or into a new file, so that the entry's file still says what the entry says.
-bool MoveTailDown(TempFileEntry& entry, uint64_t source, uint64_t target)
-{
-    const uint64_t length = entry.Length - target;
-    const auto bytes = std::make_unique_for_overwrite<uint8_t[]>(length);
-    if (!ReadFrom(entry, bytes.get(), length, target))
-        return false;
-    if (WriteTo(entry, bytes.get() + (source - target), entry.Length - source, target))
-        return true;
-    if (!WriteTo(entry, bytes.get(), length, target) && !MoveToNewFile(entry, bytes.get(), target))
-        LogFile(LogError, "Error! Lost a part of the sound in temporary file \"%s\".", entry.Name);
-    return false;
-}
-
 } // namespace
 
 TempFileEntry::~TempFileEntry()
 {
     if (Handle.IsOpen())
         Delete();
+}
+
+bool TempFileEntry::Read(void* buffer, uint64_t length, uint64_t positionInFile) const
+{
+    return LogUnlessOk(Handle.ReadAllAt(buffer, length, positionInFile),
+                       "Error! Failed to read data from temporary file \"%s\".", Name);
+}
+
+bool TempFileEntry::Write(const void* data, uint64_t length, uint64_t positionInFile)
+{
+    return LogUnlessOk(Handle.WriteAt(data, length, positionInFile),
+                       "Error! Failed to write data to temporary file \"%s\".", Name);
+}
+
+bool TempFileEntry::Allocate(uint64_t size)
+{
+    return LogUnlessOk(Handle.Allocate(size), "Error: Failed to create temporary file \"%s\".", Name);
 }
 
 bool TempFileEntry::Delete()
@@ -130,14 +106,29 @@ bool TempFileList::IsRange(uint64_t from, uint64_t to) const
 /// The first entry that ends behind the offset; the end of the list for the end of the stream.
 TempFileList::Iterator TempFileList::Find(uint64_t offset)
 {
-    const auto found = std::partition_point(m_index.begin(), m_index.end(),
-                                            [offset](Iterator entry) { return EndOf(*entry) <= offset; });
+    const auto found = Search(offset);
     if (found != m_index.end())
         return *found;
     if (offset != Length())
-        enDebugManager().WriteLogMessage(ModuleName, LogError, "Error! Failed to find temporary file by offset %I64x.",
-                                         offset);
+        LogOffset(offset);
     return m_entries.end();
+}
+
+TempFileList::Index::const_iterator TempFileList::Search(uint64_t offset) const
+{
+    return std::partition_point(m_index.begin(), m_index.end(),
+                                [offset](Iterator entry) { return entry->End() <= offset; });
+}
+
+const TempFileEntry* TempFileList::FileBefore(uint64_t offset) const
+{
+    return offset != 0 ? FileAt(offset - 1) : nullptr;
+}
+
+const TempFileEntry* TempFileList::FileAt(uint64_t offset) const
+{
+    const auto found = Search(offset);
+    return found != m_index.end() ? &**found : nullptr;
 }
 
 template <class Move>
@@ -166,7 +157,7 @@ bool TempFileList::Read(void* buffer, uint64_t position, uint64_t length)
     auto* bytes = static_cast<uint8_t*>(buffer);
     return Transfer(position, length, "read",
                     [bytes](TempFileEntry& entry, uint64_t done, uint64_t part, uint64_t inFile) {
-                        return ReadFrom(entry, bytes + done, part, inFile);
+                        return entry.Read(bytes + done, part, inFile);
                     });
 }
 
@@ -175,99 +166,36 @@ bool TempFileList::Write(const void* data, uint64_t position, uint64_t length)
     const auto* bytes = static_cast<const uint8_t*>(data);
     return Transfer(position, length, "write",
                     [bytes](TempFileEntry& entry, uint64_t done, uint64_t part, uint64_t inFile) {
-                        return WriteTo(entry, bytes + done, part, inFile);
+                        return entry.Write(bytes + done, part, inFile);
                     });
 }
 
-/// Gives the bytes of the entry from the stream offset on a file of their own and returns its entry. The stream
-/// stays what it was. The end of the list on failure.
-TempFileList::Iterator TempFileList::Split(Iterator entry, uint64_t offset)
+void TempFileList::Reserve(size_t entries)
 {
-    const uint64_t inFile = offset - entry->Start;
-    TempFileEntry tail;
-    tail.Start = offset;
-    tail.Length = entry->Length - inFile;
-    const auto bytes = std::make_unique_for_overwrite<uint8_t[]>(tail.Length);
-    if (!ReadFrom(*entry, bytes.get(), tail.Length, inFile) || !CreateFile("ekewdme", tail))
-        return m_entries.end();
-    if (!WriteTo(tail, bytes.get(), tail.Length, 0))
-        return m_entries.end();
-    List tails;
-    tails.push_back(std::move(tail));
-    m_index.reserve(m_entries.size() + 1);
-    entry->Length = inFile;
-    m_entries.splice(std::next(entry), tails);
-    Reindex();
-    return std::next(entry);
+    m_index.reserve(m_entries.size() + entries);
 }
 
-/// The disk space is allocated, so that a full disk shows here and not when the room is written.
-bool TempFileList::MakeRoom(List& pieces, uint64_t start, uint64_t length)
+void TempFileList::Exchange(uint64_t from, uint64_t to, List& files) noexcept
 {
-    for (uint64_t done = 0; done < length; done += pieces.back().Length) {
-        TempFileEntry piece;
-        piece.Start = start + done;
-        piece.Length = std::min(length - done, LargestFile);
-        if (!CreateFile("ekewdme", piece))
-            return false;
-        pieces.push_back(std::move(piece));
-        TempFileEntry& made = pieces.back();
-        if (!LogUnlessOk(made.Handle.Allocate(made.Length), "Error: Failed to create temporary file \"%s\".",
-                         made.Name))
-            return false;
+    uint64_t end = from;
+    for (TempFileEntry& file : files) {
+        file.Start = end;
+        end += file.Length;
     }
-    return true;
-}
-
-bool TempFileList::InsertSpace(uint64_t a, uint64_t b, uint64_t length)
-{
-    if (!IsRange(a, b))
-        return false;
-    const Iterator first = Find(a);
-    Iterator next = Find(b);
-    if (first == next && next != m_entries.end() && next->Start != a) {
-        next = Split(next, b);
-        if (next == m_entries.end())
-            return false;
-    }
-    List pieces;
-    if (!MakeRoom(pieces, next != m_entries.end() ? next->Start : Length(), length))
-        return false;
-    m_index.reserve(m_entries.size() + pieces.size());
-    for (Iterator entry = next; entry != m_entries.end(); ++entry)
-        entry->Start += length;
-    m_entries.splice(next, pieces);
+    const auto front =
+        std::ranges::find_if(m_entries, [from](const TempFileEntry& entry) { return entry.End() > from; });
+    const auto first = front != m_entries.end() && front->Start < from ? std::next(front) : front;
+    if (first != front)
+        front->Length = from - front->Start;
+    const auto last =
+        std::find_if(first, m_entries.end(), [to](const TempFileEntry& entry) { return entry.End() > to; });
+    List fallen;
+    fallen.splice(fallen.end(), m_entries, first, last);
+    m_entries.splice(last, files);
+    files.swap(fallen);
+    for (auto entry = last; entry != m_entries.end(); ++entry)
+        entry->Start = entry->Start - to + end;
     Reindex();
-    return true;
-}
-
-bool TempFileList::Remove(uint64_t from, uint64_t to)
-{
-    if (from == to || !IsRange(from, to))
-        return from == to;
-    // Only the file that goes on behind the range has to move bytes; all the rest is bookkeeping and cannot fail.
-    const Iterator last = Find(to);
-    if (last != m_entries.end() && last->Start < to) {
-        const uint64_t target = std::max(from, last->Start);
-        if (!MoveTailDown(*last, to - last->Start, target - last->Start))
-            return false;
-    }
-    const auto moved = [from, to](uint64_t offset) {
-        return offset <= from ? offset : std::max(offset, to) - (to - from);
-    };
-    for (Iterator entry = m_entries.begin(); entry != m_entries.end();) {
-        const uint64_t end = EndOf(*entry);
-        if (entry->Start >= from && end <= to) {
-            entry->Delete();
-            entry = m_entries.erase(entry);
-            continue;
-        }
-        entry->Start = moved(entry->Start);
-        entry->Length = moved(end) - entry->Start;
-        ++entry;
-    }
-    Reindex();
-    return true;
 }
 
 bool TempFileList::CopyFile(const TempFileEntry& original, TempFileEntry& copy, uint8_t* buffer)

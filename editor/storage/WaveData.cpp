@@ -7,6 +7,7 @@
 #include "storage/Exporter.h"
 #include "storage/Importer.h"
 #include "storage/PeakBuilder.h"
+#include "storage/Replacement.h"
 
 #include <algorithm>
 #include <cassert>
@@ -90,8 +91,9 @@ bool CWaveData::ReadData(void* buffer, uint64_t offset, uint64_t length)
 bool CWaveData::WriteData(const void* data, uint64_t offset, uint64_t length)
 {
     const auto* bytes = static_cast<const uint8_t*>(data);
-    return ForEachPage(offset, length, true, [bytes](uint8_t* place, uint64_t done, uint64_t part) {
+    return ForEachPage(offset, length, true, [=, this](uint8_t* place, uint64_t done, uint64_t part) {
         std::memcpy(place, bytes + done, part);
+        m_tails.OnChange((ByteLength() - (offset + done + part)) / BlockAlign());
     });
 }
 
@@ -109,20 +111,30 @@ bool CWaveData::InsertSpace(uint64_t a, uint64_t b, uint64_t length)
         Log(LogError, "Error: The sound of \"%s\" has no format.");
         return false;
     }
-    if (!FlushPages() || !m_files.InsertSpace(a, b, length))
+    if (!m_files.IsRange(a, b) || !FlushPages())
         return false;
-    m_record.FrameCount += length / BlockAlign();
-    ResetPages();
-    return true;
+    Replacement room(m_files, b, b, length);
+    return room.AppendZeros(length) && Commit(room);
 }
 
 bool CWaveData::RemoveData(uint64_t from, uint64_t to)
 {
-    if (!FlushPages() || !m_files.Remove(from, to))
+    Replacement nothing(m_files, from, to, 0);
+    return nothing.IsValid() && FlushPages() && Commit(nothing);
+}
+
+/// The pages hold no change that the files lack.
+bool CWaveData::Commit(Replacement& replacement)
+{
+    if (replacement.IsEmpty())
+        return true;
+    if (!replacement.Complete())
         return false;
-    if (to > from)
-        m_record.FrameCount -= (to - from) / BlockAlign();
-    ResetPages();
+    const std::lock_guard lock(StoreLock());
+    replacement.Commit();
+    m_tails.OnChange((ByteLength() - replacement.RangeEnd()) / BlockAlign());
+    m_record.FrameCount = m_files.Length() / BlockAlign();
+    m_pages.Reset();
     return true;
 }
 
@@ -137,6 +149,7 @@ bool CWaveData::CopyFrom(CWaveData& source)
     if (source.m_peaks.IsEmpty())
         return BuildPeakCache();
     m_peaks = source.m_peaks;
+    m_tails.OnRenewed(FrameCount());
     return true;
 }
 
@@ -152,11 +165,13 @@ bool CWaveData::SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProper
 
 bool CWaveData::FlushPages()
 {
+    const std::lock_guard lock(StoreLock());
     return m_pages.Flush();
 }
 
 void CWaveData::ResetPages()
 {
+    const std::lock_guard lock(StoreLock());
     m_pages.Reset();
 }
 
@@ -165,6 +180,7 @@ void CWaveData::Close()
     m_files.Clear();
     m_pages.Reset();
     m_peaks.Free();
+    m_tails.Clear();
     m_record = {};
     m_path.clear();
 }
@@ -179,32 +195,49 @@ bool CWaveData::ComputePeaks(uint64_t start, uint64_t end, uint32_t onlyChannel)
         return true;
     Log(LogError, "Error: Failed to create cache256 for file \"%s\".");
     m_peaks.Free();
+    m_tails.Clear();
     return false;
 }
 
 bool CWaveData::BuildPeakCache()
 {
     Log(LogInformation, "Creating cache256 for file \"%s\".");
+    return BuildAllPeaks();
+}
+
+bool CWaveData::BuildAllPeaks()
+{
     m_peaks.Alloc(FrameCount(), WorkingFormat().nChannels);
+    m_tails.OnRenewed(FrameCount());
     return ComputePeaks(0, FrameCount(), PeakCache::AllChannels);
+}
+
+/// The length changed: all entries from `start` on, a multiple of 256, are other ones.
+bool CWaveData::RenewMovedPeaks(uint64_t start)
+{
+    m_peaks.Grow(FrameCount());
+    const uint64_t known = m_tails.Restore(m_peaks, FrameCount());
+    m_tails.OnRenewed(FrameCount());
+    if (!ComputePeaks(start, known, PeakCache::AllChannels))
+        return false;
+    m_peaks.FinishCoarse(std::min(start, known), FrameCount());
+    return true;
 }
 
 bool CWaveData::RebuildPeakCachePart(uint64_t startFrame, uint64_t oldLength, uint64_t newLength, ChannelCode code)
 {
     Log(LogInformation, "Creating part of cache256 for file \"%s\".");
+    if (m_peaks.IsEmpty())
+        return BuildAllPeaks();
+    const uint64_t start = startFrame / PeakCache::BlockFrames * PeakCache::BlockFrames;
+    if (oldLength != newLength)
+        return RenewMovedPeaks(start);
     const bool oneChannel = code != ChannelAll;
     const uint32_t position = oneChannel ? GetIndexByChannel(WorkingFormat(), code) : PeakCache::AllChannels;
     if (oneChannel && position >= WorkingFormat().nChannels)
         return true;
-    const uint64_t start = startFrame / PeakCache::BlockFrames * PeakCache::BlockFrames;
-    if (m_peaks.IsEmpty()) {
-        m_peaks.Alloc(FrameCount(), WorkingFormat().nChannels);
-        return ComputePeaks(0, FrameCount(), PeakCache::AllChannels);
-    }
-    m_peaks.Grow(FrameCount());
-    if (oldLength == newLength)
-        return ComputePeaks(start, std::min(RoundUp(startFrame + newLength), FrameCount()), position);
-    return ComputePeaks(start, FrameCount(), position);
+    m_tails.OnRenewed(FrameCount());
+    return ComputePeaks(start, std::min(RoundUp(startFrame + newLength), FrameCount()), position);
 }
 
 WorkResult CWaveData::RunImport(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& wanted,
@@ -220,6 +253,7 @@ WorkResult CWaveData::RunImport(const std::filesystem::path& path, const WAVEFOR
         ResetPages();
         Log(LogInformation, "Creating cache256 for file \"%s\".");
         m_peaks.FinishCoarse(0, FrameCount());
+        m_tails.OnRenewed(FrameCount());
         return result;
     } catch (const std::exception&) {
         return WorkResult::Failed;

@@ -5,6 +5,7 @@
 #include "platform/File.h"
 #include "storage/PageCache.h"
 #include "storage/PeakCache.h"
+#include "storage/PeakTails.h"
 #include "storage/SoundBuffer.h"
 #include "storage/SoundRecord.h"
 #include "storage/TempFileList.h"
@@ -17,12 +18,15 @@
 
 namespace ek {
 
+class Replacement;
+struct EditRange;
+
 /// The paged sample store of one sound: interleaved 16-bit frames in a list of hidden temporary files behind a
 /// cache of ten pages. Offsets and lengths are bytes of the stream unless a name says frames; ranges are
 /// half-open. Every operation that can fail returns false and has written a line to the log.
 ///
-/// ReadData, WriteData and SampleAt may be called from any thread: one lock for all stores serialises them. All
-/// other operations run only while no other thread uses the store.
+/// ReadData, WriteData and SampleAt may be called from any thread: one lock for all stores serialises them, and with
+/// them the moment in which an edit takes effect. All other operations run only while no other thread uses the store.
 class CWaveData {
 public:
     static constexpr uint32_t PageSize = PageCache::PageSize; ///< a multiple of 256 frames of 1 to 8 channels
@@ -56,8 +60,8 @@ public:
     /// bytes of [a, b + length) are the caller's to overwrite; for a == b the room lies exactly there and reads
     /// as zeros. On failure the content and the length are as before.
     bool InsertSpace(uint64_t a, uint64_t b, uint64_t length);
-    bool RemoveData(uint64_t from, uint64_t to);
-    bool CopyFrom(CWaveData& source); ///< a deep copy, peak cache included
+    bool RemoveData(uint64_t from, uint64_t to); ///< on failure everything is as before
+    bool CopyFrom(CWaveData& source);            ///< a deep copy, peak cache included
     /// Formats of an empty store; 8-bit becomes 16-bit in the working format. A format that is not IsStorable is
     /// refused and changes nothing.
     bool SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties);
@@ -73,7 +77,9 @@ public:
 
     // Peaks. When they cannot be computed there are none, and the next rebuild is one of all.
     bool BuildPeakCache();
-    /// After an edit that turned `oldLength` frames from `startFrame` on into `newLength` frames.
+    /// After an edit that turned `oldLength` frames from `startFrame` on into `newLength` frames. Entries of frames
+    /// that the store knows not to have changed since entries of the same blocks were there last are put back, not
+    /// computed.
     bool RebuildPeakCachePart(uint64_t startFrame, uint64_t oldLength, uint64_t newLength, ChannelCode code);
 
     // Files.
@@ -86,24 +92,23 @@ public:
     /// new file. False: failed (the user was told) or cancelled; an old file at the target is untouched.
     bool SaveFile(const std::filesystem::path& target, bool useStoredSettings, bool* openAfter);
 
-    // Edits of frames, each behind a progress. One channel is edited when the code is not ChannelAll. Where no room
-    // could be made or removed, nothing has changed. An edit that stops later (false, Failed or Cancelled) has the
-    // length it was to get and is done up to where it stopped; behind that the range holds the old frames, or, in a
-    // replacement of all channels by a longer block, any. Deleting, replacing and mixing renew the
-    // peaks when they finish; where that fails there are none, and the edit is done all the same.
+    // Edits of frames, each behind a progress, all or nothing: after false, Failed or Cancelled the sound is what it
+    // was. One channel is edited when the code is not ChannelAll. Deleting, replacing and mixing renew the peaks when
+    // they finish; where that fails there are none, and the edit is done all the same.
     enum class Direction { StoreToBlock, BlockToStore };
     WorkResult ExchangeFrames(SoundBuffer& block, uint64_t start, uint64_t count, ChannelCode code, Direction direction,
                               const std::string& caption, bool cancellable);
-    /// Silence; the old frames go into `undo` (may be null) from its fill position on.
+    /// Silence; the old frames go into `undo` (may be null) from its fill position on. Cancelled it is done, as far as
+    /// it got, which the fill position says, and returns true. On false the fill position is as before.
     bool ClearFrames(uint64_t start, uint64_t count, ChannelCode code, const std::string& caption, bool cancellable,
                      SoundBuffer* undo);
-    /// All channels: removed. One channel of several: silenced, the old samples going into `undo`.
+    /// All channels: removed. One channel of several: silenced as by ClearFrames, cancellable.
     bool DeleteFrames(uint64_t start, uint64_t end, ChannelCode code, const std::string& caption, SoundBuffer* undo);
-    /// Replaces [start, end) by the block; `end` becomes the end of what was written.
+    /// Replaces [start, end) by the block; `end` becomes the end of what was written, and stays when nothing was.
     WorkResult ReplaceFrames(uint64_t start, uint64_t& end, const SoundBuffer& block, ChannelCode code,
                              bool cancellable, const std::string& caption);
     /// Mixes the block in from `start` (not beyond the end) on; the sound grows when the block is longer than what
-    /// follows.
+    /// follows. `undo` (may be null) takes the old frames as far as it has room.
     WorkResult MixFrames(SoundBuffer* undo, uint64_t start, const SoundBuffer& block, ChannelCode code,
                          bool cancellable, const std::string& caption);
 
@@ -130,14 +135,20 @@ private:
     bool ReadRecord(File& file, uint64_t& position);
     bool ReadBytes(File& file, uint64_t& position);
     bool ComputePeaks(uint64_t start, uint64_t end, uint32_t onlyChannel);
-    bool MakeRoomFor(uint64_t start, uint64_t end, uint64_t newLength, ChannelCode code);
+    bool BuildAllPeaks();
+    bool RenewMovedPeaks(uint64_t start);
     bool EditsOneChannel(ChannelCode code) const;
+    WorkResult TakeFromBlock(const EditRange& range, SoundBuffer& block);
+    /// Runs the processor that fills the replacement, then puts it in its place.
+    WorkResult Apply(Replacement& replacement, CWaveDataProcessor& processor);
+    bool Commit(Replacement& replacement);
     void Log(int level, const char* format) const;
 
     SoundRecord m_record;
     TempFileList m_files;
     PageCache m_pages{m_files};
     PeakCache m_peaks;
+    PeakTails m_tails;
     std::atomic<bool> m_computingPeaks = false;
     Source m_frames{*this};
     std::filesystem::path m_path;

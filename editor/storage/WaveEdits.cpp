@@ -6,23 +6,83 @@
 
 namespace ek {
 
+namespace {
+
+/// The frames as the files hold them. Edits run through them once and in order: the pages, which are for those who come
+/// back, stay out of it, and so does their lock.
+class StoredFrames final : public FrameSource {
+public:
+    StoredFrames(TempFileList& files, uint32_t blockAlign) : m_files(files), m_blockAlign(blockAlign) {}
+    uint32_t BlockAlign() const override { return m_blockAlign; }
+    bool ReadData(void* buffer, uint64_t offsetBytes, uint64_t lengthBytes) override
+    {
+        return m_files.Read(buffer, offsetBytes, lengthBytes);
+    }
+
+private:
+    TempFileList& m_files;
+    const uint32_t m_blockAlign;
+};
+
+} // namespace
+
 bool CWaveData::EditsOneChannel(ChannelCode code) const
 {
     return code != ChannelAll && WorkingFormat().nChannels > 1;
+}
+
+/// The processor reads the files, which get what is still only in pages before.
+WorkResult CWaveData::Apply(Replacement& replacement, CWaveDataProcessor& processor)
+{
+    if (!replacement.IsValid() || !FlushPages())
+        return WorkResult::Failed;
+    const WorkResult result = processor.Run();
+    if (result != WorkResult::Finished)
+        return result;
+    return Commit(replacement) ? WorkResult::Finished : WorkResult::Failed;
+}
+
+WorkResult CWaveData::TakeFromBlock(const EditRange& range, SoundBuffer& block)
+{
+    // One channel goes back through ReplaceFrames, never from here.
+    if (EditsOneChannel(range.Code))
+        return WorkResult::Finished;
+    const uint64_t end = range.Start + range.Count;
+    Replacement replacement(m_files, range.Start * BlockAlign(), end * BlockAlign(), range.Count * BlockAlign());
+    StoredFrames stored(m_files, BlockAlign());
+    FramesBefore nothing(stored, 0);
+    CXchgWaveDataProgress processor(nothing, WorkingFormat(), range, block, &replacement);
+    return Apply(replacement, processor);
 }
 
 WorkResult CWaveData::ExchangeFrames(SoundBuffer& block, uint64_t start, uint64_t count, ChannelCode code,
                                      Direction direction, const std::string& caption, bool cancellable)
 {
     const EditRange range{start, count, code, caption, cancellable};
-    return CXchgWaveDataProgress(*this, range, block, direction == Direction::BlockToStore).Run();
+    if (direction == Direction::BlockToStore)
+        return TakeFromBlock(range, block);
+    if (!FlushPages())
+        return WorkResult::Failed;
+    StoredFrames stored(m_files, BlockAlign());
+    return CXchgWaveDataProgress(stored, WorkingFormat(), range, block, nullptr).Run();
 }
 
 bool CWaveData::ClearFrames(uint64_t start, uint64_t count, ChannelCode code, const std::string& caption,
                             bool cancellable, SoundBuffer* undo)
 {
+    const uint64_t fill = undo ? undo->FillPosition : 0;
     const EditRange range{start, count, code, caption, cancellable};
-    return CClearWaveDataProgress(*this, range, undo).Run() != WorkResult::Failed;
+    Replacement silence(m_files, start * BlockAlign(), (start + count) * BlockAlign(), count * BlockAlign());
+    StoredFrames stored(m_files, BlockAlign());
+    CClearWaveDataProgress processor(stored, WorkingFormat(), range, silence, undo);
+    WorkResult result = Apply(silence, processor);
+    if (result == WorkResult::Cancelled) {
+        silence.EndAtProgress();
+        result = Commit(silence) ? WorkResult::Finished : WorkResult::Failed;
+    }
+    if (result == WorkResult::Failed && undo)
+        undo->FillPosition = fill;
+    return result == WorkResult::Finished;
 }
 
 bool CWaveData::DeleteFrames(uint64_t start, uint64_t end, ChannelCode code, const std::string& caption,
@@ -30,9 +90,10 @@ bool CWaveData::DeleteFrames(uint64_t start, uint64_t end, ChannelCode code, con
 {
     const uint64_t length = end - start;
     if (EditsOneChannel(code)) {
-        const bool cleared = ClearFrames(start, length, code, caption, false, undo);
+        if (!ClearFrames(start, length, code, caption, true, undo))
+            return false;
         RebuildPeakCachePart(start, length, length, code);
-        return cleared;
+        return true;
     }
     if (!RemoveData(start * BlockAlign(), end * BlockAlign()))
         return false;
@@ -40,32 +101,22 @@ bool CWaveData::DeleteFrames(uint64_t start, uint64_t end, ChannelCode code, con
     return true;
 }
 
-/// Turns the frames [start, end) into `newLength` frames, whose content is the caller's.
-bool CWaveData::MakeRoomFor(uint64_t start, uint64_t end, uint64_t newLength, ChannelCode code)
-{
-    const uint64_t blockAlign = BlockAlign();
-    const uint64_t oldLength = end - start;
-    if (newLength < oldLength)
-        return RemoveData(start * blockAlign, (end - newLength) * blockAlign);
-    if (newLength == oldLength)
-        return true;
-    // Where the other channels keep their frames, the room must lie exactly behind them; it is silent in them then.
-    const uint64_t earliest = EditsOneChannel(code) ? end : start;
-    return InsertSpace(earliest * blockAlign, end * blockAlign, (newLength - oldLength) * blockAlign);
-}
-
 WorkResult CWaveData::ReplaceFrames(uint64_t start, uint64_t& end, const SoundBuffer& block, ChannelCode code,
                                     bool cancellable, const std::string& caption)
 {
     const uint64_t oldLength = end - start;
     const uint64_t length = EditsOneChannel(code) ? std::max(block.FrameCount, oldLength) : block.FrameCount;
-    if (!MakeRoomFor(start, end, length, code) || !FlushPages())
-        return WorkResult::Failed;
     const EditRange range{start, length, code, caption, cancellable};
-    const WorkResult result = CSubstituteWaveDataProgress(*this, range, block).Run();
+    Replacement replacement(m_files, start * BlockAlign(), end * BlockAlign(), length * BlockAlign());
+    // Room behind the old range is silent in the other channels; whole frames need nothing of the old ones.
+    StoredFrames stored(m_files, BlockAlign());
+    FramesBefore old(stored, EditsOneChannel(code) ? end : 0);
+    CSubstituteWaveDataProgress processor(old, WorkingFormat(), range, replacement, block);
+    const WorkResult result = Apply(replacement, processor);
+    if (result != WorkResult::Finished)
+        return result;
     end = start + length;
-    if (result == WorkResult::Finished)
-        BuildPeakCache();
+    RebuildPeakCachePart(start, oldLength, length, EditsOneChannel(code) ? code : ChannelAll);
     return result;
 }
 
@@ -74,14 +125,17 @@ WorkResult CWaveData::MixFrames(SoundBuffer* undo, uint64_t start, const SoundBu
 {
     const uint64_t length = block.FrameCount;
     const uint64_t mixed = std::min(FrameCount() - start, length);
-    const bool grows = length > mixed;
-    // New room at the end is silence, which every mix starts from.
-    if (grows && !InsertSpace(ByteLength(), ByteLength(), (length - mixed) * BlockAlign()))
-        return WorkResult::Failed;
+    const uint64_t fill = undo ? undo->FillPosition : 0;
     const EditRange range{start, length, code, caption, cancellable};
-    const WorkResult result = CMixWaveDataProgress(*this, range, block, undo).Run();
+    Replacement replacement(m_files, start * BlockAlign(), (start + mixed) * BlockAlign(), length * BlockAlign());
+    StoredFrames stored(m_files, BlockAlign());
+    FramesBefore old(stored, FrameCount()); // new room at the end is silence, which every mix starts from
+    CMixWaveDataProgress processor(old, WorkingFormat(), range, replacement, block, undo);
+    const WorkResult result = Apply(replacement, processor);
     if (result == WorkResult::Finished)
-        RebuildPeakCachePart(start, mixed, length, grows ? ChannelAll : code);
+        RebuildPeakCachePart(start, mixed, length, length > mixed ? ChannelAll : code);
+    else if (undo)
+        undo->FillPosition = fill;
     return result;
 }
 

@@ -1,11 +1,88 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "waveedit/SoundBlock.h"
 
+#include "background/ProgressDlg.h"
 #include "debugmanager/DebugManager.h"
+#include "dsp/Resampler.h"
+#include "platform/TempFile.h"
+#include "servicefuncs/MessageBox.h"
 
+#include <algorithm>
 #include <cstring>
+#include <memory>
+#include <vector>
 
 namespace ek {
+
+namespace {
+
+struct Releaser {
+    void operator()(IResampler* resampler) const { resampler->Release(); }
+};
+using ResamplerPtr = std::unique_ptr<IResampler, Releaser>;
+
+ResamplerPtr MakeResampler()
+{
+    IResampler* resampler = nullptr;
+    CreateResampler(&resampler);
+    return ResamplerPtr(resampler);
+}
+
+/// Writes the source in another format to a file.
+WorkResult Resample(const CSoundBlock& source, const WAVEFORMATEXTENSIBLE& format, File& file, CProgressDlg& progress)
+{
+    constexpr uint32_t LargestPiece = 4096;
+    const uint32_t pieceBytes = LargestPiece - LargestPiece % source.Format.nBlockAlign;
+    uint32_t capacity = 0;
+    const ResamplerPtr resampler = MakeResampler();
+    if (!resampler || resampler->Init(&source.Format, pieceBytes, &format, &capacity) != StatusOk)
+        return WorkResult::Failed;
+    std::vector<uint8_t> output(capacity);
+    uint64_t position = 0;
+    const uint64_t total = source.ByteSize();
+    for (uint64_t done = 0; done < total; done += pieceBytes) {
+        const auto bytes = static_cast<uint32_t>(std::min<uint64_t>(pieceBytes, total - done));
+        uint32_t written = 0;
+        if (resampler->Process(source.FrameAt(done / source.Format.nBlockAlign), bytes, output.data(), capacity,
+                               &written) != StatusOk ||
+            !file.WriteAt(output.data(), written, position).Ok())
+            return WorkResult::Failed;
+        position += written;
+        progress.SetPos(static_cast<uint32_t>(done * 100 / total));
+        if (progress.IsCancelled())
+            return WorkResult::Cancelled;
+    }
+    return WorkResult::Finished;
+}
+
+void LogUndeleted(const IoStatus& removed, const std::filesystem::path& path)
+{
+    if (!removed.Ok())
+        enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Failed to delete temporary file \"%s\".",
+                                         path.c_str());
+}
+
+/// A new temporary file of the source in another format; nothing is there unless it has finished.
+WorkResult ResampleToFile(const CSoundBlock& source, const WAVEFORMATEXTENSIBLE& format, std::filesystem::path& path)
+{
+    File file;
+    if (!CreateTempFile("ekesb", ".tmp", file, path).Ok())
+        return WorkResult::Failed;
+    WorkResult result = RunInBackground(
+        "Resampling", true, [&](CProgressDlg& progress) { return Resample(source, format, file, progress); });
+    if (!file.Close().Ok() && result == WorkResult::Finished)
+        result = WorkResult::Failed;
+    if (result != WorkResult::Finished)
+        LogUndeleted(RemoveFile(path), path);
+    return result;
+}
+
+} // namespace
+
+CSoundBlock::CSoundBlock()
+{
+    OnUse = [this](uint64_t index) { OnUsedAt(index); };
+}
 
 CSoundBlock::~CSoundBlock()
 {
@@ -52,19 +129,48 @@ void CSoundBlock::Free()
 {
     if (Data) {
         const std::filesystem::path path = m_file.Path();
-        if (!m_file.CloseAndRemove().Ok())
-            enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Failed to delete temporary file \"%s\".",
-                                             path.c_str());
+        LogUndeleted(m_file.CloseAndRemove(), path);
     }
     Data = nullptr;
     FrameCount = 0;
     FillPosition = 0;
 }
 
+bool CSoundBlock::ConvertFrom(const CSoundBlock& source, const WAVEFORMATEXTENSIBLE& format)
+{
+    Free();
+    std::filesystem::path path;
+    WorkResult result = ResampleToFile(source, format, path);
+    source.ReleaseMemory();
+    if (result == WorkResult::Finished && !OpenFile(path, format)) {
+        LogUndeleted(RemoveFile(path), path);
+        result = WorkResult::Failed;
+    }
+    Code = source.Code;
+    if (result == WorkResult::Failed)
+        AfxSCMessageBox("Can't resample data", MessageButtons::Ok, MessageIcon::Error);
+    return result == WorkResult::Finished;
+}
+
+void CSoundBlock::OnUsedAt(uint64_t index)
+{
+    constexpr uint64_t LargestMemory = 4 << 20;
+    if (index >= m_keptFrom && (index - m_keptFrom) * Format.nBlockAlign < LargestMemory)
+        return;
+    ReleaseMemory();
+    m_keptFrom = index;
+}
+
 void CSoundBlock::SetRange(uint64_t start, uint64_t end)
 {
     m_rangeStart = start;
     m_rangeEnd = end;
+}
+
+CSoundBlock& SoundClipboard()
+{
+    static CSoundBlock clipboard;
+    return clipboard;
 }
 
 } // namespace ek

@@ -9,10 +9,11 @@
 
 namespace ek {
 
-/// A sound buffer in a memory-mapped temporary file of its own, which is deleted with it.
+/// A sound buffer in a memory-mapped temporary file of its own, which is deleted with it. However long it is, what is
+/// used frame after frame through FrameAt takes up memory for a few seconds of it at a time.
 class CSoundBlock : public SoundBuffer {
 public:
-    CSoundBlock() = default;
+    CSoundBlock();
     virtual ~CSoundBlock();
     CSoundBlock(const CSoundBlock&) = delete;
     CSoundBlock& operator=(const CSoundBlock&) = delete;
@@ -23,9 +24,12 @@ public:
     /// Takes over an existing file of raw frames, and with it the duty to delete it.
     bool OpenFile(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& format);
     void Free();
-    /// Becomes `source` in another format, behind a progress that can be cancelled. False: it is empty, and the user
-    /// was told unless it was he who cancelled.
+    /// Becomes `source`, another block, in another format, behind a progress that can be cancelled. False: it is empty,
+    /// and the user was told unless it was he who cancelled.
     bool ConvertFrom(const CSoundBlock& source, const WAVEFORMATEXTENSIBLE& format);
+
+    /// Gives back the memory that the sound takes up by having been read or written; the file keeps it.
+    void ReleaseMemory() const { m_file.ReleaseMemory(); }
 
     const std::filesystem::path& FileName() const { return m_file.Path(); }
 
@@ -35,7 +39,10 @@ public:
     uint64_t RangeEnd() const { return m_rangeEnd; }
 
 private:
+    void OnUsedAt(uint64_t index);
+
     MappedFile m_file;
+    uint64_t m_keptFrom = 0; ///< where the frames begin that may take up memory
     uint64_t m_rangeStart = 0;
     uint64_t m_rangeEnd = 0;
 };

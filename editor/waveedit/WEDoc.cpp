@@ -73,16 +73,23 @@ bool CWEDoc::OnOpenDocument(const std::filesystem::path& path)
     return m_ready;
 }
 
-void CWEDoc::DeleteContents()
+void CWEDoc::DropFormat()
 {
     m_ready = false;
+    m_undo.Clear();
     m_store.Close();
+}
+
+void CWEDoc::DeleteContents()
+{
+    DropFormat();
     m_columns.Free();
     SetPath({});
 }
 
 bool CWEDoc::TakeFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties)
 {
+    m_undo.Clear();
     m_ready = m_store.SetFormat(format, properties);
     return m_ready;
 }
@@ -99,6 +106,7 @@ bool CWEDoc::OpenFromStore(CWaveData& source)
 {
     if (!m_store.CopyFrom(source))
         return DropSound();
+    m_undo.Clear();
     m_ready = true;
     SetModified(false);
     OnNewSound();

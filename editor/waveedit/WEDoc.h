@@ -8,6 +8,7 @@
 #include "waveedit/UndoStack.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -37,16 +38,20 @@ public:
     void SetEditKey(const EditKey& key) { m_editKey = key; }
     void ClearEditKey() { m_editKey.reset(); }
 
-    // Edits of frames [start, end) of one channel, or of all (ChannelAll), each behind a progress. They tell the views
-    // what changed. One that fails or is cancelled leaves the sound and the undo stack as they were, and one that
-    // fails has told the user why.
-    bool Copy(uint64_t start, uint64_t end, ChannelCode code); ///< into the sound clipboard
-    /// The range is replaced by the clipboard's sound and becomes that of the pasted frames. A document without sound
-    /// takes the clipboard's format first; another format is converted. False also when the clipboard is empty.
+    // Edits of frames [start, end) of one channel, or of all (ChannelAll), each behind a progress. A sound of one
+    // channel is edited whole. They mark the document modified and tell the views what changed. One that fails or is
+    // cancelled leaves the sound, the undo stack and its arguments as they were, and one that fails has told the user
+    // why. A range or a channel that the sound does not have is refused without a word.
+    /// Into the sound clipboard, whose old sound is given up first: it is empty when the copy fails or is cancelled.
+    bool Copy(uint64_t start, uint64_t end, ChannelCode code);
+    /// The range is replaced by the clipboard's sound and becomes that of the pasted frames. One channel takes the
+    /// pasted samples and is silent behind them; where it grows, so do the others, in silence. A document without
+    /// sound takes the clipboard's format first; another format is converted. False also when the clipboard is empty.
     bool Paste(uint64_t& start, uint64_t& end, ChannelCode code);
     /// The clipboard's sound is mixed in from `start` on; `end` becomes the end of the mixed range.
     bool PasteMix(uint64_t& start, uint64_t& end, ChannelCode code);
-    /// All channels: removed. One of several: silenced. The undo entry gets the label, or "Deleting..." for none.
+    /// All channels: removed. One of several: silenced; when that is cancelled, the part done stays and counts. The
+    /// undo entry gets the label, or "Deleting..." for none. False also for an empty range.
     bool Delete(uint64_t start, uint64_t end, ChannelCode code, const std::string& undoLabel = {});
     bool Undo(uint64_t& start, uint64_t& end); ///< the range becomes the one that came back
     bool Redo(uint64_t& start, uint64_t& end);
@@ -56,9 +61,11 @@ public:
     static bool IsClipboardEmpty() { return SoundClipboard().FrameCount == 0; }
 
     /// What an edit stores before it replaces [start, start + length): that sound, which an undo puts back in the place
-    /// of [start, newEnd). False: nothing is stored, and nothing may be changed.
+    /// of [start, newEnd). False: nothing is stored, and nothing may be changed. What could be redone is dropped.
     bool StoreUndo(uint64_t start, uint64_t length, uint64_t newEnd, const std::string& name, ChannelCode code);
-    bool RollBack(); ///< takes back the edit that StoreUndo was called for, and its entry
+    /// Takes back the edit that StoreUndo was called for, and its entry. The range has its new length by now, whatever
+    /// it holds; an edit that never began must not be taken back.
+    bool RollBack();
 
     bool IsReady() const { return m_ready; } ///< sound is present; views draw nothing otherwise
     uint64_t FrameCount() const { return m_store.FrameCount(); }
@@ -85,10 +92,24 @@ private:
     void FocusView();
     bool TakeFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties);
     bool TakeBlock(const CSoundBlock& block);
+    void DropFormat();
     /// Nothing is left of a sound that did not arrive.
     bool DropSound();
     /// Another sound has arrived: display state and column cache start afresh, and the views are told.
     void OnNewSound();
+    bool CanEdit(uint64_t start, uint64_t end, ChannelCode code) const;
+    ChannelCode EditedChannel(ChannelCode code) const; ///< ChannelAll in a sound of one channel
+    void PushUndo(std::unique_ptr<CSoundBlock> block, uint64_t start, uint64_t end, const std::string& name);
+    void TellFramesChanged(uint64_t start, uint64_t oldLength, uint64_t newLength);
+    /// How a sound in the edited format comes into the document.
+    using PasteEdit = bool (CWEDoc::*)(const CSoundBlock& source, uint64_t& start, uint64_t& end, ChannelCode code);
+    bool PasteBy(PasteEdit edit, uint64_t& start, uint64_t& end, ChannelCode code);
+    bool PasteInto(PasteEdit edit, uint64_t& start, uint64_t& end, ChannelCode code);
+    bool ReplaceByBlock(const CSoundBlock& source, uint64_t& start, uint64_t& end, ChannelCode code);
+    bool MixBlockIn(const CSoundBlock& source, uint64_t& start, uint64_t& end, ChannelCode code);
+    bool RemoveFrames(uint64_t start, uint64_t end, const std::string& name);
+    bool SilenceChannel(uint64_t start, uint64_t end, ChannelCode code, const std::string& name);
+    void TellPutBack(const CSoundBlock& replaced, uint64_t& start, uint64_t& end);
     void OnSave() { DoSave(); }
     void OnSaveAs() { SaveAs(); }
     void OnUpdateSave(CommandUi& ui) { ui.Enabled = m_ready; }

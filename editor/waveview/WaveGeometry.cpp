@@ -33,6 +33,38 @@ std::pair<uint64_t, uint64_t> WaveGeometry::OrderedSelection() const
     return std::minmax(SelectionStart, SelectionEnd);
 }
 
+void WaveGeometry::SetLength(uint64_t frames)
+{
+    Length = frames;
+    SelectionStart = std::min(SelectionStart, frames);
+    SelectionEnd = std::min(SelectionEnd, frames);
+    if (CursorFrame != NoFrame)
+        CursorFrame = std::min(CursorFrame, frames);
+}
+
+void WaveGeometry::BeginSelection(int64_t x)
+{
+    SelectionStart = std::min(XToFrame(x), Length);
+    DragSelectionTo(SelectionStart);
+}
+
+void WaveGeometry::ExtendSelection(int64_t x)
+{
+    const uint64_t frame = std::min(XToFrame(x), Length);
+    const auto [start, end] = OrderedSelection();
+    if (HasSelection())
+        SelectionStart = frame < start + (end - start) / 2 ? end : start;
+    else
+        SelectionStart = CursorFrame != NoFrame ? CursorFrame : frame;
+    DragSelectionTo(frame);
+}
+
+void WaveGeometry::DragSelection(int64_t x)
+{
+    const int64_t inside = std::clamp(x, WavePanelLeft, WavePanelLeft + std::max<int64_t>(0, WavePanelWidth));
+    DragSelectionTo(std::min({XToFrame(inside), FirstVisibleFrame + Span(), Length}));
+}
+
 uint64_t WaveGeometry::Span() const
 {
     return WavePanelWidth > 0 ? static_cast<uint64_t>(WavePanelWidth) * FramesPerPixel : 0;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 namespace ek {
@@ -39,6 +40,17 @@ struct WaveGeometry {
     bool HasSelection() const { return SelectionStart != SelectionEnd; }
     std::pair<uint64_t, uint64_t> OrderedSelection() const;
     uint64_t Span() const; ///< frames that fit in the panel
+    /// Another length: what lay beyond the new end moves to it.
+    void SetLength(uint64_t frames);
+
+    // Selecting with the mouse at x. The cursor is where the pointer is; the ends are put in order when the button is
+    // released.
+    void BeginSelection(int64_t x);
+    /// Starts at the farther end of the selection that there is, else at the cursor, else as BeginSelection.
+    void ExtendSelection(int64_t x);
+    void DragSelection(int64_t x); ///< x beyond the panel counts as its edge
+    void DragSelectionTo(uint64_t frame) { SelectionEnd = CursorFrame = frame; }
+    void OrderSelection() { std::tie(SelectionStart, SelectionEnd) = OrderedSelection(); }
 
     // Position in columns, as a scroll bar shows it.
     uint64_t ColumnCount() const; ///< of the whole sound

@@ -3,10 +3,10 @@
 
 #include "ek/HostAudioDevice.h"
 #include "ek/SoundData.h"
-#include "waveview/PositionQueue.h"
 #include "waveview/ViewInput.h"
 #include "waveview/WaveGeometry.h"
 
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 
@@ -24,6 +24,7 @@ public:
     /// The range was heard to its end. On the device's pump thread: the owner is to call WavePlayback::Finish on
     /// its own thread.
     virtual void OnRangePlayed() = 0;
+    /// False: the host's buttons speak to somebody else, who tells the host what they may do.
     virtual bool IsTransportOurs() { return true; }
 
 protected:
@@ -32,33 +33,96 @@ protected:
 
 /// The playing of a document through the host's player: what is played, where it is, and how the cursor follows what
 /// is heard. All calls on the thread of the document, but for those that the player's callback makes.
+///
+/// The selection is played, or the whole sound, from the cursor on. While it plays, nobody changes the document's
+/// sound, nor, but for its channel, the selection.
 class WavePlayback {
 public:
+    using Clock = uint32_t (*)();
+    static uint32_t HostClock(); ///< that of the players' stamps: milliseconds, wrapping around at 2^32
+    static constexpr uint32_t BufferCount = 5;
+    static constexpr uint32_t FramesPerBuffer = 1024;
+
     /// All outlive the playback. Without a player (null) nothing plays; without a tree sound goes straight through.
-    WavePlayback(CWEDoc& document, WaveGeometry& geometry, CHostPlayer* player, CEffectTree* tree, PlaybackSite& site);
-    ~WavePlayback(); ///< stops
+    WavePlayback(CWEDoc& document, WaveGeometry& geometry, CHostPlayer* player, CEffectTree* tree, PlaybackSite& site,
+                 Clock clock = HostClock);
+    ~WavePlayback(); ///< stops; the site, which may be half gone, is not told
     WavePlayback(const WavePlayback&) = delete;
     WavePlayback& operator=(const WavePlayback&) = delete;
 
-    bool IsPlaying() const { return m_playing; }
+    bool IsPlaying() const { return m_playing; } ///< also while paused
     bool IsPaused() const { return m_paused; }
     bool CanPlay() const; ///< the document is ready and not empty
+    /// The player is ours to stop: no other module holds it.
+    bool OwnsPlayer() const;
 
-    // The transport.
-    void Play();
+    // The transport. A jump while sound is heard goes on from there.
+    void Play(); ///< while sound is heard: again from where it began
     void PauseOrResume();
     void Stop(); ///< the cursor goes back to where it was when playing began
     void JumpToStart();
-    void JumpBack();
+    void JumpBack(); ///< by a tenth of the range
     void JumpForward();
     void JumpToEnd();
-    void SeekToPercent(uint32_t percent);
+    void SeekToPercent(uint32_t percent); ///< of the range; plays from there, whatever was before
 
     void TakePlayer(); ///< tells the player the document's format and who is to be called
     void Announce();   ///< tells the host whether its buttons may start playing
     void Tick();       ///< every 33 ms while playing: the cursor follows what is heard
-    void Finish();     ///< after OnRangePlayed
+    /// After OnRangePlayed: the cursor goes back to where it was. Nothing when playing was begun anew since. Tells the
+    /// user when the sound could not be read to its end.
+    void Finish();
     void OnSelectionChannelChanged(); ///< while playing: another channel is heard from the next block on
+
+private:
+    bool PreparePlay();
+    bool OpenStream();
+    void CloseStream();
+    bool StartPlayer();
+    void FailToStart();
+    bool StartAnew();
+    void Begin();
+    void ContinuePaused();
+    void Resume();
+    void ShowStarted();
+    void StopNow();
+    void Detach();
+
+    PlayRange RangeToPlay() const;
+    PlayRange JumpRange() const;
+    void JumpTo(uint64_t frame);
+    void SetCursor(uint64_t frame);
+    void RestoreCursor();
+    void ReportProgress();
+
+    static uint32_t OnRequest(CHostAudioDevice* device, void* request, void* user);
+    uint32_t OnData(const PlayRequest& request);
+    uint32_t FillBlock(const PlayRequest& request);
+    uint32_t OnNotice(const _SOUNDDATAEX_& notice);
+
+    CWEDoc& m_document;
+    WaveGeometry& m_geometry;
+    CHostPlayer* m_player;
+    CEffectTree* m_tree;
+    PlaybackSite& m_site;
+    Clock m_clock;
+
+    bool m_playing = false;
+    bool m_paused = false;
+    uint64_t m_savedCursor = WaveGeometry::NoFrame; // where the cursor was when playing began
+    PlayRange m_range;
+    uint32_t m_pauseStamp = 0;
+    uint64_t m_pauseCursor = 0;
+
+    CViewInput m_input;
+    // One thread at a time is in the tree. The document's thread holds it for no call of the player, which may wait for
+    // the pump.
+    std::mutex m_streamMutex;
+    bool m_throughTree = false;    // this and the next two change while nothing pulls, or are those of who pulls
+    bool m_hasGivenFrames = false; // the stream
+    uint32_t m_progressRange = 0;
+    std::atomic<uint64_t> m_cursor = 0; // the geometry's, as the callback knows it
+    std::atomic<bool> m_rangePlayed = false;
 };
 
 } // namespace ek

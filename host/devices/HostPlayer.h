@@ -12,12 +12,16 @@
 
 namespace ek {
 
+class AudioBackend;
+
 /// What the player tells the window around it. On the thread of the player's calls unless a line says otherwise.
 class HostPlayerListener {
 public:
-    virtual void OnPlayerGranted() = 0;  ///< a module has become the owner: it is to be sent "take the player"
-    virtual void OnPlayerReconfigured() = 0; ///< another device: the same
-    virtual void OnControlsChanged() = 0;    ///< the state, the owner, or whether playing may start
+    virtual void OnPlayerGranted() = 0;      ///< a module has become the owner: it is to be sent "take the player"
+    virtual void OnPlayerReconfigured() = 0; ///< another device, and a module owns the player: the same
+    /// The state, the owner, or whether playing may start. A sound that came to its own end is told of by the next
+    /// Watch or UpdateControls.
+    virtual void OnControlsChanged() = 0;
     /// The device failed, went away, or was replaced; the text is for a person. Any thread.
     virtual void OnDeviceTrouble(const std::string& text) = 0;
 
@@ -29,7 +33,8 @@ protected:
 /// the sound card's thread takes; that one never waits, allocates or calls anybody.
 class HostPlayer final : public CHostPlayer {
 public:
-    HostPlayer();
+    HostPlayer();                               ///< on the sound systems of this machine
+    explicit HostPlayer(AudioBackend& backend); ///< on those of a test
     ~HostPlayer();
     HostPlayer(const HostPlayer&) = delete;
     HostPlayer& operator=(const HostPlayer&) = delete;
@@ -40,13 +45,14 @@ public:
     const AudioDeviceChoice& Choice() const;
     std::string DeviceName() const; ///< of the device in use, for a person; empty before the first start
     void SetLoop(bool loop);
-    bool CanPlay() const; ///< what the module said last
-    uint32_t Progress() const; ///< 0 .. GetProgressRange()
+    bool CanPlay() const;               ///< what the module said last
+    uint32_t Progress() const;          ///< 0 .. GetProgressRange()
     uint64_t HeardMilliseconds() const; ///< since Start, pauses left out
     /// Per channel the largest absolute value, 0 .. 1 and above, of what was heard since the last call.
     std::array<float, 8> TakePeaks();
     uint64_t DropoutCount() const; ///< blocks that came too late since Start
-    /// Follows the default device and restores a lost one. About once a second, on the thread of the calls.
+    /// Replaces a device that was lost, and comes back to the chosen one when it is there again. Once a second is
+    /// enough, but it costs next to nothing and may be called with every redraw of the transport bar.
     void Watch();
 
     // CHostPlayer; see there.

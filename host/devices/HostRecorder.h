@@ -10,6 +10,8 @@
 
 namespace ek {
 
+class AudioBackend;
+
 /// What the recorder tells the window around it.
 class HostRecorderListener {
 public:
@@ -24,12 +26,14 @@ protected:
 /// them to the module in blocks of the buffer size.
 class HostRecorder final : public CHostRecorder {
 public:
-    HostRecorder();
+    HostRecorder();                               ///< on the sound systems of this machine
+    explicit HostRecorder(AudioBackend& backend); ///< on those of a test
     ~HostRecorder();
     HostRecorder(const HostRecorder&) = delete;
     HostRecorder& operator=(const HostRecorder&) = delete;
 
     void SetListener(HostRecorderListener* listener);
+    /// From the next Start on. With "file" the sound of File is what is captured, in step with time.
     void Choose(const AudioDeviceChoice& choice);
     const AudioDeviceChoice& Choice() const;
     uint64_t DropoutCount() const; ///< frames lost since Start

@@ -10,7 +10,7 @@ namespace ek {
 class CAudioAbstract {
 public:
     virtual ~CAudioAbstract() = default;
-    virtual void SetNext(CAudioAbstract* next) { m_next = next; } ///< who pulls from this one; not owned
+    virtual void SetNext(CAudioAbstract* next) { m_next = next; }         ///< who pulls from this one; not owned
     virtual void SetPrev(CAudioAbstract* previous) { m_prev = previous; } ///< whom this one pulls from; not owned
     /// Fills the record's buffers from their beginning; returns the frames filled. Fewer than FrameCount: that was all.
     virtual uint32_t GetData(_SOUNDDATAEX_* sound) = 0;

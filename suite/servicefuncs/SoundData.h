@@ -14,6 +14,9 @@ namespace ek {
 // is -1.0, and 16-bit values come back unchanged. On the way back values are rounded to nearest, ties away from zero,
 // and cut at the limits of the format; what is no number becomes 0. No other format is converted: nothing is written.
 
+/// Whether the format is one of those: 1 to 8 channels whose samples fill the frame.
+bool IsConvertible(const WAVEFORMATEXTENSIBLE& format);
+
 /// Frames of `source` into the buffers of `sound`, from their frame `offset` on. `channel` is a position (0-based) of
 /// the source that goes into the first buffer alone, or -1: every channel into the buffer of its position, as far as
 /// there are both.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "resources/Accelerators.h"
 #include "resources/Commands.h"
+#include "resources/Cursors.h"
 #include "resources/Menus.h"
 
 #include <gtest/gtest.h>
@@ -29,7 +30,8 @@ void Collect(std::span<const MenuItem> items, std::vector<MenuItem>& commands)
 std::vector<MenuItem> CommandsOfAllMenus()
 {
     std::vector<MenuItem> commands;
-    for (const uint32_t menu : {MENU_MAIN, MENU_ZOOM_RATIO, MENU_AMPLITUDE})
+    for (const uint32_t menu : {MENU_MAIN, MENU_ZOOM_RATIO, MENU_AMPLITUDE, MENU_WAVE_MONO, MENU_WAVE_STEREO,
+                                MENU_WAVE_4, MENU_WAVE_5, MENU_WAVE_6, MENU_WAVE_8})
         Collect(LoadMenu(menu), commands);
     return commands;
 }
@@ -121,6 +123,16 @@ TEST(Resources, EveryImageIsDrawnAndCompiledIn)
         EXPECT_TRUE(!*info.Icon || std::filesystem::exists(ResourceFolder / file)) << file;
         EXPECT_TRUE(!*info.Icon || compiled.find("<file>" + file + "</file>") != std::string::npos) << file;
     }
+}
+
+TEST(Resources, EveryPointerShapeIsDrawn)
+{
+    for (const CursorInfo& info : CursorInfos()) {
+        const std::string file = std::string("cursors/") + info.Image + ".svg";
+        EXPECT_TRUE(std::filesystem::exists(ResourceFolder / file)) << file;
+        EXPECT_EQ(FindCursor(info.Id), &info);
+    }
+    EXPECT_EQ(FindCursor(0), nullptr);
 }
 
 TEST(Resources, KeysShownForACommandAreKeysThatRunIt)

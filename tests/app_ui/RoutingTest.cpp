@@ -236,10 +236,10 @@ TEST_F(CommandsTest, TheUpdateOfNewTellsTheHostWhetherTheActiveViewCanPlay)
 {
     EXPECT_TRUE(IsEnabled(ID_FILE_NEW));
     EXPECT_EQ(m_host.Calls.Take(), Names{"Player.UpdateControls(Ek Wave Editor, 0)"});
-    Open("one.wav");
+    Run(ID_FILE_NEW);
     m_host.Calls.Take();
     IsEnabled(ID_FILE_NEW);
-    EXPECT_EQ(m_host.Calls.Take(), Names{"Player.UpdateControls(Ek Wave Editor, 0)"});
+    EXPECT_EQ(m_host.Calls.Take(), Names{"Player.UpdateControls(Ek Wave Editor, 0)"}) << "there is no sound in it";
     AddPlayingView();
     m_host.Calls.Take();
     IsEnabled(ID_FILE_NEW);
@@ -297,12 +297,10 @@ TEST_F(CommandsTest, WindowCommandsNeedAWindowAndGoAround)
 
 /// Commands that get their handler with the feature they belong to, and the transport's own, which are messages.
 const std::set<uint32_t> InertOnPurpose = {
-    ID_EFFECTS_LIBRARY, ID_UNDO_HISTORY,   ID_REDO_HISTORY,    ID_EDIT_UNDO,          ID_EDIT_REDO,
-    ID_EDIT_CUT,        ID_EDIT_COPY,      ID_EDIT_PASTE,      ID_PASTE_MIX,          ID_DELETE,
-    ID_SELECT_ALL,      ID_FILE_TABS,      ID_FULL_SCREEN,     ID_CLOSE_ALL,          ID_SAVE_ALL,
-    ID_WINDOW_LIST,     ID_WINDOW_ARRANGE, ID_FILE_CLOSE,      ID_TRANSPORT_POSITION, ID_TRANSPORT_START,
-    ID_TRANSPORT_BACK,  ID_TRANSPORT_PLAY, ID_TRANSPORT_PAUSE, ID_TRANSPORT_STOP,     ID_TRANSPORT_FORWARD,
-    ID_TRANSPORT_END};
+    ID_EFFECTS_LIBRARY,    ID_FILE_TABS,       ID_FULL_SCREEN,       ID_CLOSE_ALL,
+    ID_SAVE_ALL,           ID_WINDOW_LIST,     ID_WINDOW_ARRANGE,    ID_FILE_CLOSE,
+    ID_TRANSPORT_POSITION, ID_TRANSPORT_START, ID_TRANSPORT_BACK,    ID_TRANSPORT_PLAY,
+    ID_TRANSPORT_PAUSE,    ID_TRANSPORT_STOP,  ID_TRANSPORT_FORWARD, ID_TRANSPORT_END};
 
 TEST_F(CommandsTest, EveryCommandHasOneHandlerOrIsInertOnPurpose)
 {

@@ -20,6 +20,8 @@ public:
 
     bool Start(); ///< false when the X server does not come up
 
+    /// For what is run from now on.
+    void SetVariable(const std::string& name, const std::string& value) { m_environment[name] = value; }
     std::unique_ptr<Process> Run(const std::vector<std::string>& arguments, const std::string& name) const;
 
     /// The visible window whose title contains the text; empty when there is none.

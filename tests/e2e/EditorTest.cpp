@@ -1,79 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "Desktop.h"
+#include "EditorFixture.h"
+#include "Sounds.h"
 
 #include <gtest/gtest.h>
 
 #include <sndfile.h>
 
-#include <algorithm>
 #include <csignal>
-#include <cstdint>
-#include <cstdlib>
-#include <random>
-#include <stdlib.h>
-#include <sys/stat.h>
 
 namespace ek {
 namespace {
 
-constexpr int Rate = 44100;
 constexpr int SecondEntry = 40; ///< of a menu, from its upper edge
 constexpr int LastEntry = -16;  ///< from its lower edge
 constexpr char SoundFormat[] = "Sound Format";
-
-std::vector<int16_t> MakeSound(unsigned seed)
-{
-    std::mt19937 random(seed);
-    std::vector<int16_t> samples(4 * Rate);
-    for (size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<int16_t>(static_cast<int>(random() % 65536) - 32768);
-    return samples;
-}
-
-bool WriteSound(const std::filesystem::path& path, const std::vector<int16_t>& samples)
-{
-    SF_INFO info{};
-    info.samplerate = Rate;
-    info.channels = 2;
-    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-    SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
-    const auto count = static_cast<sf_count_t>(samples.size());
-    return file && sf_write_short(file, samples.data(), count) == count && sf_close(file) == 0;
-}
-
-/// Empty when the file is not a complete 16-bit stereo sound of the type.
-std::vector<int16_t> ReadSound(const std::filesystem::path& path, int type)
-{
-    SF_INFO info{};
-    SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
-    if (!file)
-        return {};
-    std::vector<int16_t> samples;
-    if (info.format == (type | SF_FORMAT_PCM_16) && info.channels == 2 && info.samplerate == Rate) {
-        samples.resize(static_cast<size_t>(info.frames * 2));
-        samples.resize(static_cast<size_t>(sf_read_short(file, samples.data(), info.frames * 2)));
-    }
-    sf_close(file);
-    return samples;
-}
-
-/// Changes when a file is put in the place of another.
-ino_t FileNumber(const std::filesystem::path& path)
-{
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 ? status.st_ino : 0;
-}
-
-std::vector<std::string> FilesBelow(const std::filesystem::path& folder)
-{
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        if (!entry.is_directory())
-            names.push_back(entry.path().filename());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 double ShareOfChangedPixels(const QImage& before, const QImage& after)
 {
@@ -85,55 +25,8 @@ double ShareOfChangedPixels(const QImage& before, const QImage& after)
     return static_cast<double>(changed) / (static_cast<double>(before.width()) * before.height());
 }
 
-class EditorTest : public testing::Test {
+class EditorTest : public EditorFixture {
 protected:
-    void SetUp() override
-    {
-        for (const char* program : {"Xvfb", "xdotool"}) {
-            if (IsInstalled(program))
-                continue;
-            const char* isServer = std::getenv("CI");
-            ASSERT_STRNE(isServer ? isServer : "", "true") << program << " is not installed";
-            GTEST_SKIP() << program << " is not installed";
-        }
-        std::string folder = (std::filesystem::temp_directory_path() / "eke2eXXXXXX").native();
-        ASSERT_NE(mkdtemp(folder.data()), nullptr);
-        m_folder = folder;
-        std::filesystem::create_directory(m_folder / "music");
-        m_desktop = std::make_unique<Desktop>(m_folder);
-        ASSERT_TRUE(m_desktop->Start());
-    }
-
-    void TearDown() override
-    {
-        if (HasFailure() && m_editor)
-            std::fprintf(stderr, "The editor said:\n%s\n", m_editor->Output().c_str());
-        m_editor.reset();
-        m_desktop.reset();
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
-
-    std::filesystem::path Music(const std::string& name) const { return m_folder / "music" / name; }
-
-    std::unique_ptr<Process> StartEditor(const std::vector<std::string>& files, const std::string& name) const
-    {
-        std::vector<std::string> arguments{EK_BIN_DIR "/ek-wave-editor", "--skin", "Light"};
-        arguments.insert(arguments.end(), files.begin(), files.end());
-        return m_desktop->Run(arguments, name);
-    }
-
-    bool BringUpEditor()
-    {
-        m_editor = StartEditor({}, "editor");
-        return m_desktop->Focus("Ek Wave Editor") && m_desktop->MoveWindow("Ek Wave Editor", 0, 100, 1280, 800);
-    }
-
-    bool ShowsFile(const std::string& name) const
-    {
-        return Eventually([&] { return m_desktop->HasWindow(name + " - Ek Wave Editor"); });
-    }
-
     /// From the helper's window in the corner onto the middle of the editor.
     void DragOntoEditor(const std::vector<std::string>& files) const
     {
@@ -176,10 +69,6 @@ protected:
         m_desktop->Type(file);
         m_desktop->Key("Return");
     }
-
-    std::filesystem::path m_folder;
-    std::unique_ptr<Desktop> m_desktop;
-    std::unique_ptr<Process> m_editor;
 };
 
 TEST_F(EditorTest, ASoundIsOpenedZoomedSavedAndLeavesNoTemporaryFiles)

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <sstream>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -26,7 +27,8 @@ constexpr int PausesOfAMinute = 3000;
     const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     dup2(file, STDOUT_FILENO);
     dup2(file, STDERR_FILENO);
-    signal(SIGHUP, SIG_DFL); // the tests may run where it is ignored
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // a test that is killed leaves nothing running
+    signal(SIGHUP, SIG_DFL);          // the tests may run where it is ignored
     std::vector<char*> pointers;
     for (const std::string& argument : arguments)
         pointers.push_back(const_cast<char*>(argument.c_str()));

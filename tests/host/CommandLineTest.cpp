@@ -43,6 +43,14 @@ TEST(CommandLineTest, AScreenshotTakesItsSizeAndFiles)
     EXPECT_TRUE(options.IsUnattended());
 }
 
+TEST(CommandLineTest, TheAudioOfARunIsASystemOrAFile)
+{
+    EXPECT_EQ(Parsed({"--audio-system", "null"}).AudioSystem, "null");
+    const Options options = Parsed({"--audio-file", "heard.wav"});
+    EXPECT_EQ(options.AudioFile, std::filesystem::current_path() / "heard.wav");
+    EXPECT_FALSE(options.IsUnattended());
+}
+
 TEST(CommandLineTest, WrongArgumentsEndWithTwoAndHelpWithNone)
 {
     const std::vector<std::vector<std::string>> wrong = {
@@ -57,6 +65,9 @@ TEST(CommandLineTest, WrongArgumentsEndWithTwoAndHelpWithNone)
         {"--size", "99x480"},
         {"--size", ""},
         {"--screenshot", "p", "--tour", "t"},
+        {"--audio-system", "gramophone"},
+        {"--audio-system", "file"},
+        {"--audio-system", "null", "--audio-file", "a.wav"},
     };
     for (const auto& arguments : wrong) {
         int status = -1;

@@ -20,7 +20,7 @@ QWidget* Initialize(QWidget* parent, void*, void*, CHostFrame* host)
     g_module->Calls.push_back("Initialize");
     g_module->Host = host;
     if (!g_module->Refuses) {
-        g_module->Frame = new QWidget(parent);
+        g_module->Frame = new StubFrame(parent);
         g_module->Frame->setFocusPolicy(Qt::StrongFocus);
         g_module->Frame->show();
     }
@@ -101,6 +101,18 @@ int GetModuleInfo(void*, ModuleInfo* info)
 }
 
 } // namespace
+
+bool StubFrame::event(QEvent* event)
+{
+    if (event->type() != MessageEvent::Kind)
+        return QWidget::event(event);
+    const auto& message = static_cast<const MessageEvent&>(*event);
+    Messages.push_back({message.Id, message.WParam, message.LParam});
+    event->accept();
+    if (OnMessage)
+        OnMessage(Messages.back());
+    return true;
+}
 
 StubModule::StubModule()
     : Exports{Initialize,  GetMenu,       GetAccelTable, ChangeState,

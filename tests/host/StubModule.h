@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ek/Message.h"
 #include "host/Module.h"
 
 #include <QMenu>
@@ -16,6 +17,24 @@
 namespace ek {
 
 class CHostFrame;
+
+/// A frame that records the messages of the host, and says that it took them.
+class StubFrame : public QWidget {
+public:
+    using QWidget::QWidget;
+
+    struct Message {
+        uint32_t Id;
+        uintptr_t WParam;
+        intptr_t LParam;
+        bool operator==(const Message&) const = default;
+    };
+    std::vector<Message> Messages;
+    std::function<void(const Message& message)> OnMessage;
+
+protected:
+    bool event(QEvent* event) override;
+};
 
 /// A module that records what the host asks of it. Its menus go when it is freed. One at a time.
 class StubModule {
@@ -39,7 +58,7 @@ public:
     bool Refuses = false;
 
     CHostFrame* Host = nullptr;
-    QPointer<QWidget> Frame;
+    QPointer<StubFrame> Frame;
     std::unique_ptr<QMenu> Menu;
     QMenu* FileMenu;
     QMenu* ViewMenu;

@@ -34,11 +34,17 @@ class WindowTest : public testing::Test {
 protected:
     void Start()
     {
-        m_window = std::make_unique<HostWindow>(m_module.Exports, m_settings,
-                                                HostWindowOptions{.SkinOfThisRun = "Light", .AskDesktop = false});
+        m_window = std::make_unique<HostWindow>(m_module.Exports, m_settings, SilentOptions());
         ASSERT_TRUE(m_window->Start());
         m_window->show();
         m_window->Settle();
+    }
+
+    static HostWindowOptions SilentOptions()
+    {
+        return {.SkinOfThisRun = "Light",
+                .AskDesktop = false,
+                .AudioOfThisRun = AudioDeviceChoice{.System = "null", .Device = {}, .File = {}}};
     }
 
     static QStringList TextsOf(const QWidget& menu)
@@ -103,7 +109,7 @@ TEST_F(WindowTest, TheModuleIsBroughtUpInTheOrderThatItNeeds)
 TEST_F(WindowTest, AModuleThatRefusesIsNotDrivenFurther)
 {
     m_module.Refuses = true;
-    HostWindow window(m_module.Exports, m_settings, {.SkinOfThisRun = "Light", .AskDesktop = false});
+    HostWindow window(m_module.Exports, m_settings, SilentOptions());
     EXPECT_FALSE(window.Start());
     EXPECT_TRUE(window.close());
     EXPECT_THAT(m_module.Calls, ElementsAre("GetModuleInfo", "Initialize"));
@@ -163,14 +169,14 @@ TEST_F(WindowTest, AChosenEntryBecomesOneCommandAlsoAfterRebuilding)
 TEST_F(WindowTest, TheHostsEntriesStayLastWhenTheModuleAddsSome)
 {
     Start();
-    EXPECT_EQ(TextsOf(*m_window->menuBar()), (QStringList{"File", "View", "Help"}));
+    EXPECT_EQ(TextsOf(*m_window->menuBar()), (QStringList{"File", "View", "Transport", "Help"}));
     m_module.FileMenu->addAction("/music/recent.wav")->setData(8000);
     m_module.Menu->addMenu("Window");
     m_module.Host->GetServices()->RefreshMenu(u"Ek Wave Editor");
     m_window->Settle();
     EXPECT_EQ(TextsOf(*m_module.FileMenu), (QStringList{"Open", "Save", "Print", "/music/recent.wav", "-", "Quit"}));
     EXPECT_EQ(TextsOf(*m_module.ViewMenu), (QStringList{"Effects", "More", "-", "Skin"}));
-    EXPECT_EQ(TextsOf(*m_window->menuBar()), (QStringList{"File", "View", "Window", "Help"}));
+    EXPECT_EQ(TextsOf(*m_window->menuBar()), (QStringList{"File", "View", "Window", "Transport", "Help"}));
 }
 
 TEST_F(WindowTest, QuitFreesTheModuleOnlyWhenItsMenuHasFinished)

@@ -33,18 +33,27 @@ int CancelAt::Open(const char* path, int flags, mode_t mode)
     if (!std::strstr(path, m_pathFragment.c_str()) || ++m_opened != m_nth)
         return descriptor;
     m_descriptor = descriptor;
-    CProgressDlg* const progress = m_progress;
-    if (m_call == Call::Open && progress)
-        progress->Cancel();
+    CancelIf(m_call == Call::Open);
     return descriptor;
+}
+
+ssize_t CancelAt::PWrite(int descriptor, const void* data, size_t length, off_t position)
+{
+    CancelIf(m_call == Call::Write && descriptor == m_descriptor);
+    return FileCalls::PWrite(descriptor, data, length, position);
 }
 
 int CancelAt::FSync(int descriptor)
 {
-    CProgressDlg* const progress = m_progress;
-    if (m_call == Call::Sync && descriptor == m_descriptor && progress)
-        progress->Cancel();
+    CancelIf(m_call == Call::Sync && descriptor == m_descriptor);
     return FileCalls::FSync(descriptor);
+}
+
+void CancelAt::CancelIf(bool reached)
+{
+    CProgressDlg* const progress = m_progress;
+    if (reached && progress)
+        progress->Cancel();
 }
 
 } // namespace ek

@@ -10,11 +10,11 @@
 
 namespace ek {
 
-/// Presses Cancel while the n-th file whose name contains a fragment is being opened, or synced when it was opened
-/// before: at the same point of the work every time. In force while it lives.
+/// Presses Cancel while the n-th file whose name contains a fragment is being opened, or later written or synced: at
+/// the same point of the work every time. In force while it lives.
 class CancelAt final : public ProgressPresenter, public FileCalls {
 public:
-    enum class Call { Open, Sync };
+    enum class Call { Open, Write, Sync };
     CancelAt(std::string pathFragment, int nth, Call call = Call::Open);
     ~CancelAt();
 
@@ -22,9 +22,12 @@ public:
 
     WorkResult Show(CProgressDlg& progress) override;
     int Open(const char* path, int flags, mode_t mode) override;
+    ssize_t PWrite(int descriptor, const void* data, size_t length, off_t position) override;
     int FSync(int descriptor) override;
 
 private:
+    void CancelIf(bool reached);
+
     const std::string m_pathFragment;
     const int m_nth;
     const Call m_call;

@@ -1,14 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ek/Message.h"
+#include "resources/CommandIds.h"
+#include "skincontrols/Skin.h"
+#include "support/RecordingHost.h"
 #include "waveview/ui/WEView.h"
 
 #include <gtest/gtest.h>
 
+#include <QMenu>
 #include <QScrollBar>
 #include <QtTest>
 
 #include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace ek {
@@ -17,8 +25,15 @@ namespace ek {
 class ViewFixture : public testing::Test, public ViewSite {
 public:
     void SetActiveFormat(const WAVEFORMATEXTENSIBLE& format) override { ActiveFormat = format; }
-    bool RunCommand(uint32_t) override { return false; }
+    /// As the main frame does it: a command of the transport goes to the view that plays.
+    bool RunCommand(uint32_t id) override
+    {
+        SendToView(EK_WM_COMMAND, id);
+        return true;
+    }
     void ShowStatusText(const QString&) override {}
+    intptr_t CommandParameter() const override { return reinterpret_cast<intptr_t>(ToolBar); }
+    CHostPlayer* Player() const override { return &Host.Player; }
 
 protected:
     static constexpr int WindowWidth = 700;
@@ -50,6 +65,52 @@ protected:
     }
 
     const WaveGeometry& Geometry() const { return View.Geometry(); }
+    using Frames = std::pair<uint64_t, uint64_t>;
+    Frames Selection() const { return {Geometry().SelectionStart, Geometry().SelectionEnd}; }
+    void SendToView(uint32_t id, uintptr_t wParam = 0, intptr_t lParam = 0)
+    {
+        MessageEvent message(id, wParam, lParam);
+        View.OnHostMessage(message);
+    }
+    bool IsEnabled(uint32_t id)
+    {
+        CommandUi ui{.Id = id};
+        return View.OnCmdMsg(id, CN_UPDATE_COMMAND_UI, &ui) && ui.Enabled;
+    }
+    QTimer& Timer(const char* name) { return *View.findChild<QTimer*>(name); }
+    /// Its time has come, whatever the clock says.
+    void Fire(const char* name) { QMetaObject::invokeMethod(&Timer(name), "timeout"); }
+
+    /// A place of the wave panel: device pixels from its left edge, and a share of its height.
+    QPoint At(int column, double row) const
+    {
+        const Rect& wave = View.Places().Wave;
+        return QPoint(wave.Left + column, wave.Top + static_cast<int>(row * wave.Height())) / View.DisplayScale();
+    }
+    void Press(QPoint place, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::mousePress(&View, Qt::LeftButton, modifiers, place);
+    }
+    void Move(QPoint place, Qt::MouseButtons buttons = Qt::LeftButton)
+    {
+        QMouseEvent event(QEvent::MouseMove, place, View.mapToGlobal(place), Qt::NoButton, buttons, {});
+        QCoreApplication::sendEvent(&View, &event);
+    }
+    void Release(QPoint place) { QTest::mouseRelease(&View, Qt::LeftButton, {}, place); }
+    void Drag(QPoint from, QPoint to)
+    {
+        Press(from);
+        Move(to);
+        Release(to);
+    }
+    void PointAt(QPoint place) { Move(place, Qt::NoButton); }
+    QMenu* MenuAt(QPoint place, QContextMenuEvent::Reason reason = QContextMenuEvent::Mouse)
+    {
+        delete View.findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+        QContextMenuEvent event(reason, place, View.mapToGlobal(place));
+        QCoreApplication::sendEvent(&View, &event);
+        return View.findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly);
+    }
     bool Run(uint32_t id)
     {
         CommandUi ui{.Id = id};
@@ -85,8 +146,34 @@ protected:
     }
 
     WAVEFORMATEXTENSIBLE ActiveFormat;
+    mutable RecordingHost Host;
+    QWidget* ToolBar = nullptr;
     CWEDoc Sound;
-    CWEView View{Sound, *this, nullptr};
+    std::unique_ptr<CWEView> OwnView = std::make_unique<CWEView>(Sound, *this, nullptr);
+    CWEView& View = *OwnView;
+};
+
+/// What of a window has been painted since the last time.
+class PaintedRegion : public QObject {
+public:
+    explicit PaintedRegion(QWidget& widget) : m_widget(widget) { widget.installEventFilter(this); }
+    QRegion Take()
+    {
+        QEvent request(QEvent::UpdateRequest);
+        QCoreApplication::sendEvent(&m_widget, &request);
+        return std::exchange(m_region, {});
+    }
+
+private:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            m_region += static_cast<QPaintEvent*>(event)->region();
+        return false;
+    }
+
+    QWidget& m_widget;
+    QRegion m_region;
 };
 
 } // namespace ek

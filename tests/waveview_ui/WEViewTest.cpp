@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "ViewFixture.h"
 
-#include "resources/CommandIds.h"
-#include "skincontrols/Skin.h"
-
-#include <QContextMenuEvent>
 #include <QLabel>
-#include <QMenu>
 #include <QToolButton>
 
 #include <random>
@@ -33,35 +28,6 @@ protected:
         QMouseEvent event(QEvent::MouseMove, place, View.mapToGlobal(place), Qt::NoButton, Qt::RightButton, {});
         QCoreApplication::sendEvent(&View, &event);
     }
-    QMenu* MenuAt(QPoint place)
-    {
-        QContextMenuEvent event(QContextMenuEvent::Mouse, place, View.mapToGlobal(place));
-        QCoreApplication::sendEvent(&View, &event);
-        return View.findChild<QMenu*>();
-    }
-};
-
-/// What of a window has been painted since the last time.
-class PaintedRegion : public QObject {
-public:
-    explicit PaintedRegion(QWidget& widget) : m_widget(widget) { widget.installEventFilter(this); }
-    QRegion Take()
-    {
-        QEvent request(QEvent::UpdateRequest);
-        QCoreApplication::sendEvent(&m_widget, &request);
-        return std::exchange(m_region, {});
-    }
-
-private:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        if (event->type() == QEvent::Paint)
-            m_region += static_cast<QPaintEvent*>(event)->region();
-        return false;
-    }
-
-    QWidget& m_widget;
-    QRegion m_region;
 };
 
 TEST_F(WEView, ANewSoundIsShownWholeInTheSizeThatTheViewGets)
@@ -88,7 +54,8 @@ TEST_F(WEView, AnEmptyDocumentShowsWorkspaceAndOffersNothing)
     EXPECT_EQ(View.grab().toImage().pixelColor(middle), SkinColorOf(COLOR_EDITOR_WORKSPACE));
     EXPECT_FALSE(Bar(Qt::Horizontal).isEnabled());
     EXPECT_FALSE(View.findChild<QToolButton*>()->isEnabled());
-    EXPECT_EQ(EnabledCommands(), std::vector<uint32_t>{});
+    const std::vector<uint32_t> always = {ID_SELECT_BACK_LEFT}; // and the like
+    EXPECT_EQ(EnabledCommands(), always);
     Wheel(middle, {0, 120});
     QTest::mouseClick(&View, Qt::LeftButton, {}, MiddleOf(View.Places().Overview));
     EXPECT_EQ(Geometry().CursorFrame, WaveGeometry::NoFrame);
@@ -97,17 +64,18 @@ TEST_F(WEView, AnEmptyDocumentShowsWorkspaceAndOffersNothing)
     Sound.Notify({.What = DocumentChange::Kind::Reset});
     EXPECT_EQ(ActiveFormat.nChannels, 2);
     Run(ID_ZOOM_IN);
-    EXPECT_EQ(EnabledCommands().size(), View.CommandTable().size() - 3); // no selection, all lanes, full scale
+    EXPECT_EQ(EnabledCommands().size(),
+              View.CommandTable().size() - 12); // no selection, clipboard or history; all lanes, full scale
     Sound.DeleteContents();
     ASSERT_TRUE(Sound.SetFormat(MakePcm16Format(44100, 2), nullptr)); // no frames, but channels
     EXPECT_EQ(View.findChild<QLabel*>()->text(), "1:1");
-    EXPECT_EQ(EnabledCommands(),
-              (std::vector<uint32_t>{ID_ZOOM_IN_VERTICAL, ID_SCALE_IN, ID_CENTER_VIEW, ID_SCALE_FULL, ID_OVERVIEW}));
+    EXPECT_EQ(EnabledCommands(), (std::vector<uint32_t>{ID_ZOOM_IN_VERTICAL, ID_SCALE_IN, ID_CENTER_VIEW, ID_SCALE_FULL,
+                                                        ID_OVERVIEW, ID_SELECT_BACK_LEFT}));
     Load(100'000, 2);
     Sound.Notify({.What = DocumentChange::Kind::Reset});
     Run(ID_ZOOM_IN);
     Sound.DeleteContents(); // the view does not know yet
-    EXPECT_EQ(EnabledCommands(), std::vector<uint32_t>{});
+    EXPECT_EQ(EnabledCommands(), always);
 }
 
 TEST_F(WEView, ZoomCommandsFollowTheirUpdateRules)
@@ -295,10 +263,7 @@ TEST_F(WEView, TheCursorBlinksAndIsLitWhereItWasPut)
     Run(ID_ZOOM_RATIO_FIRST);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&View));
     PaintedRegion painted(View);
-    const auto blink = [this] {
-        QTimerEvent tick(1);
-        QCoreApplication::sendEvent(&View, &tick);
-    };
+    const auto blink = [this] { Fire("Blink"); };
     const auto place = [this] {
         return QPoint(static_cast<int>(Geometry().FrameToX(Geometry().CursorFrame)), View.Places().Wave.Top + 1);
     };

@@ -5,11 +5,15 @@
 #include "Script.h"
 #include "app/EkEditorApp.h"
 #include "waveedit/WEDoc.h"
+#include "waveview/WaveGeometry.h"
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace ek {
+
+class EditCommands;
 
 /// Runs commands on the documents of the editor.
 class Batch {
@@ -25,14 +29,45 @@ public:
 
 private:
     using Words = std::vector<std::string>;
+    struct OpenSound {
+        CWEDoc* Document = nullptr;
+        WaveGeometry View; ///< selection and cursor
+    };
+
     Outcome Open(const Words& words, std::string& error);
     Outcome New(const Words& words, std::string& error);
     Outcome Info(const Words& words, std::string& error);
     Outcome Save(const Words& words, std::string& error);
     Outcome Close(const Words& words, std::string& error);
-    CWEDoc* Current(std::string& error);
+    Outcome Activate(const Words& words, std::string& error);
+
+    Outcome Select(const Words& words, std::string& error);
+    Outcome Cursor(const Words& words, std::string& error);
+    Outcome Copy(const Words& words, std::string& error);
+    Outcome Cut(const Words& words, std::string& error);
+    Outcome Delete(const Words& words, std::string& error);
+    Outcome Paste(const Words& words, std::string& error);
+    Outcome PasteMix(const Words& words, std::string& error);
+    Outcome Undo(const Words& words, std::string& error);
+    Outcome Redo(const Words& words, std::string& error);
+
+    Outcome Play(const Words& words, std::string& error);
+
+    Outcome ReadTime(const OpenSound& sound, const std::string& word, uint64_t& frame, std::string& error);
+    Outcome ReadChannel(const OpenSound& sound, const std::string& word, ChannelCode& code, std::string& error);
+    Outcome SelectTimes(OpenSound& sound, const Words& words, ChannelCode code, std::string& error);
+    Outcome Edit(bool (EditCommands::*can)() const, const char* nothing, bool (EditCommands::*edit)(),
+                 std::string& error);
+    Outcome Repeat(const Words& words, size_t steps, bool (EditCommands::*step)(), std::string& error);
+
+    OpenSound* Current(std::string& error);
+    void Add(CWEDoc& document);
+    void PrintSelection(const WaveGeometry& view);
     Outcome Fail(std::string& error, const std::string& fallback);
     void PassMessagesOn();
+    static bool ParseNumber(const std::string& text, uint32_t minimum, uint32_t maximum, uint32_t& value);
+    /// Empty when the name is, or when there is no current folder to start from.
+    static std::filesystem::path AbsolutePath(const std::string& name);
 
     struct Verb;
     static const Verb* FindVerb(const std::string& name);
@@ -41,7 +76,8 @@ private:
     std::ostream& m_output;
     std::ostream& m_messages; ///< what a person would have been shown by a command that succeeded
     CEkEditorApp m_app;
-    std::vector<CWEDoc*> m_documents; // in opening order; the last one is current
+    std::vector<OpenSound> m_sounds; // in opening order
+    size_t m_current = 0;            // of them
 };
 
 } // namespace ek

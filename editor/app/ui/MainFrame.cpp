@@ -12,8 +12,11 @@
 #include "app/ui/MainToolBar.h"
 #include "app/ui/WEFrame.h"
 #include "background/ProgressDlg.h"
+#include "debugmanager/DebugManager.h"
+#include "effectmanager/EffectTree.h"
 #include "ek/HostAudioDevice.h"
 #include "ek/HostFrame.h"
+#include "platform/Paths.h"
 #include "platform/Text.h"
 #include "resources/Accelerators.h"
 #include "resources/CommandIds.h"
@@ -21,6 +24,7 @@
 #include "servicefuncs/MessageBox.h"
 #include "skincontrols/Skin.h"
 #include "waveedit/WEDoc.h"
+#include "xml/enXml.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -39,7 +43,8 @@ CMainFrame::CMainFrame(QWidget* parent, CEkEditorApp& app, CHostFrame* host)
     : CMDIFrameWnd(parent), m_app(app), m_services(host ? host->GetServices() : nullptr),
       m_player(host ? host->GetPlayer() : nullptr), m_skin(host ? host->GetSkin() : nullptr), m_settings(m_services),
       m_appCommands(*this), m_menu(*this), m_transport(*this), m_client(new CMDIClient(this)),
-      m_toolBar(new MainToolBar(*this, this))
+      m_toolBar(new MainToolBar(*this, this)),
+      m_effectsLibraryPath(GetLanguageFilePath("Language", "effects_editor.xml"))
 {
     if (CHostRecorder* recorder = host ? host->GetRecorder() : nullptr)
         recorder->Register(ModuleNameUtf16, 1);
@@ -55,6 +60,7 @@ CMainFrame::CMainFrame(QWidget* parent, CEkEditorApp& app, CHostFrame* host)
     });
     if (CDocTemplate* waves = m_app.FindTemplate(m_app.WaveTemplateName()))
         waves->SetFrameMaker([this](CDocument& document) { return MakeWaveFrame(document); });
+    CreateEffectTree();
     setAcceptDrops(true);
     LoadSkin();
     UpdateTitle();
@@ -62,16 +68,63 @@ CMainFrame::CMainFrame(QWidget* parent, CEkEditorApp& app, CHostFrame* host)
 
 CMainFrame::~CMainFrame()
 {
+    SaveEffectsLibrary();
     if (m_recentLoaded) // else the stored list was never looked at, and stays
         m_recentFiles.Save(m_settings);
     m_transport.StopAndForget();
     disconnect(this, &CMDIFrameWnd::ActiveChildChanged, this, nullptr);
     for (QMdiSubWindow* window : m_client->subWindowList())
         delete window;
+    DeleteEffectTree();
     if (CDocTemplate* waves = m_app.FindTemplate(m_app.WaveTemplateName()))
         waves->SetFrameMaker({});
     SetDocumentSite(nullptr);
     SetCurrentSkin(nullptr);
+}
+
+void CMainFrame::CreateEffectTree()
+{
+    CDebugManager& log = enDebugManager();
+    log.WriteLogMessage(ModuleName, "Effects tree creation started...");
+    m_effectTree = std::make_unique<CEffectTree>(LoadString(IDS_EFFECTS_TREE));
+    std::error_code error;
+    enXml library;
+    const bool isRead = library.LoadFromFile(m_effectsLibraryPath) && m_effectTree->BuildTree(library);
+    m_isLibraryOurs = isRead || (!std::filesystem::exists(m_effectsLibraryPath, error) && !error);
+    if (!m_isLibraryOurs)
+        log.WriteLogMessage(ModuleName, LogError, "Error: Failed to read the effects library \"%s\".",
+                            m_effectsLibraryPath.string().c_str());
+    log.WriteLogMessage(ModuleName, "Scanning for the rest Voice Morphs...");
+    m_effectTree->ScanAllVoiceMorphs();
+    log.WriteLogMessage(ModuleName, "Scanning for the rest Special Effects...");
+    m_effectTree->ScanAllSpecialEffects();
+    log.WriteLogMessage(ModuleName, "Scanning for the rest DirectX Effects...");
+    m_effectTree->ScanAllDirectXEffects();
+    log.WriteLogMessage(ModuleName, "Scanning for the rest VST Effects...");
+    m_effectTree->ScanAllVSTEffects();
+    log.WriteLogMessage(ModuleName, "Effects tree creation finished...");
+}
+
+/// What could not be read may be somebody's library all the same, and is not written over.
+void CMainFrame::SaveEffectsLibrary()
+{
+    if (!m_isLibraryOurs)
+        return;
+    enXml library("EffectsTree");
+    m_effectTree->SaveTreeStruct(library);
+    std::error_code error;
+    std::filesystem::create_directories(m_effectsLibraryPath.parent_path(), error);
+    if (error || !library.SaveToFile(m_effectsLibraryPath))
+        enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Failed to write the effects library \"%s\".",
+                                         m_effectsLibraryPath.string().c_str());
+}
+
+/// The views that play through it are gone by now.
+void CMainFrame::DeleteEffectTree()
+{
+    enDebugManager().WriteLogMessage(ModuleName, "Deleting effect trees...");
+    m_effectTree.reset();
+    enDebugManager().WriteLogMessage(ModuleName, "Deleting effect trees finished");
 }
 
 QMenu* CMainFrame::Menu()

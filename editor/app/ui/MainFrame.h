@@ -11,6 +11,7 @@
 #include "framework/ui/View.h"
 
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <optional>
 
@@ -32,7 +33,7 @@ class CMainFrame final : public CMDIFrameWnd, public ViewSite, public DocumentSi
 public:
     /// `app` and `host` outlive the frame; the host and each of its services may be null.
     CMainFrame(QWidget* parent, CEkEditorApp& app, CHostFrame* host);
-    /// Stores the recent files, stops playback, and closes every document without asking.
+    /// Stores the effects library and the recent files, stops playback, and closes every document without asking.
     ~CMainFrame() override;
 
     CEkEditorApp& App() { return m_app; }
@@ -66,6 +67,8 @@ public:
     void SetActiveFormat(const WAVEFORMATEXTENSIBLE& format) override { m_activeFormat = format; }
     bool RunCommand(uint32_t id) override;
     intptr_t CommandParameter() const override { return m_commandParameter; }
+    CHostPlayer* Player() const override { return m_player; }
+    CEffectTree* GetEffectTree() const override { return m_effectTree.get(); }
     void ShowStatusText(const QString& text) override;
     void AddRecentFile(const std::filesystem::path& path) override;
     void RefreshMenu() override;
@@ -94,6 +97,9 @@ private:
     void OpenWaitingFilesLater();
     DocumentFrame* MakeWaveFrame(CDocument& document);
     void DeleteClosedChildren();
+    void CreateEffectTree();
+    void SaveEffectsLibrary();
+    void DeleteEffectTree();
     CMDIChildWnd* FindChild(const CDocument& document) const;
     void UpdateRecentMenu();
     void UpdateTitle();
@@ -117,6 +123,9 @@ private:
     CMDIClient* m_client;
     MainToolBar* m_toolBar;
     WAVEFORMATEXTENSIBLE m_activeFormat;
+    std::filesystem::path m_effectsLibraryPath;
+    bool m_isLibraryOurs = true; ///< there was none, or it could be read
+    std::unique_ptr<CEffectTree> m_effectTree;
     std::deque<WaitingFile> m_waitingFiles;
     bool m_isOpening = false;
     intptr_t m_commandParameter = 0;

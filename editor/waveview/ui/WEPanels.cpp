@@ -22,7 +22,7 @@ void DrawBottomLine(QPainter& painter, const Rect& rect, const QColor& color)
 WavePicture CWaveDataPanel::Picture() const
 {
     WavePicture picture;
-    if (!Doc()->IsReady() || Doc()->FrameCount() == 0)
+    if (!Doc()->IsReady() || Length == 0)
         return picture;
     picture.Format = Doc()->Format();
     picture.FirstChannel = Doc()->FirstVisibleChannel;

@@ -17,6 +17,7 @@ public:
     /// What there is to draw; without lanes while there is no sound.
     WavePicture Picture() const;
 
+    uint64_t Length = 0; ///< frames that the view shows; the document's own count may change on a worker's thread
     int Margin = 5;
     int VerticalOffset = 0;
     int64_t SelectionLeft = -1; ///< both -1: no selection

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "waveview/ui/WEView.h"
 
+#include "background/ProgressDlg.h"
 #include "resources/CommandIds.h"
 #include "resources/Strings.h"
 #include "skincontrols/SCScrollBar.h"
@@ -20,20 +21,42 @@ namespace {
 constexpr int LaneMargin = 5;
 constexpr int StatusBarHeight = 20;
 constexpr int CursorBlinkMilliseconds = 1000;
+constexpr int AutoScrollMilliseconds = 10;
+constexpr int PlayCursorMilliseconds = 33;
 
 } // namespace
 
 CWEView::CWEView(CWEDoc& document, ViewSite& site, QWidget* parent)
-    : CView(document, site, parent), m_wave(&document, m_colors), m_amplitude(&document, m_colors),
-      m_position(&document, m_colors, m_geometry), m_time(&document, m_colors), m_marker(nullptr, m_colors),
-      m_tool(nullptr, m_colors)
+    : CView(document, site, parent), m_edits(document, m_geometry), m_wave(&document, m_colors),
+      m_amplitude(&document, m_colors), m_position(&document, m_colors, m_geometry), m_time(&document, m_colors),
+      m_marker(nullptr, m_colors), m_tool(nullptr, m_colors),
+      m_playback(document, m_geometry, site.Player(), site.GetEffectTree(), *this)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
     setAccessibleName(tr("Waveform"));
     CreateControls();
+    CreateTimers();
     OnSkinChanged();
-    startTimer(CursorBlinkMilliseconds);
+}
+
+CWEView::~CWEView() = default;
+
+void CWEView::CreateTimers()
+{
+    const auto prepare = [this](QTimer& timer, const char* name, int milliseconds, void (CWEView::*step)()) {
+        timer.setObjectName(name);
+        timer.setParent(this);
+        timer.setInterval(milliseconds);
+        timer.setTimerType(Qt::PreciseTimer);
+        connect(&timer, &QTimer::timeout, this, step);
+    };
+    prepare(m_blinkTimer, "Blink", CursorBlinkMilliseconds, &CWEView::Blink);
+    prepare(m_scrollTimer, "AutoScroll", AutoScrollMilliseconds, &CWEView::AutoScroll);
+    prepare(m_playTimer, "PlayCursor", PlayCursorMilliseconds, &CWEView::OnPlayTimer);
+    m_blinkTimer.setTimerType(Qt::CoarseTimer);
+    m_blinkTimer.start();
 }
 
 void CWEView::CreateControls()
@@ -56,6 +79,9 @@ void CWEView::CreateControls()
 
     m_zoomLabel = new CTimeScaleStatic(this, [this](QPoint place) { ShowRatioMenu(place); });
     m_zoomLabel->setToolTip(QString::fromStdString(LoadString(IDS_ZOOM_RATIO)));
+    for (QWidget* control : {static_cast<QWidget*>(m_horizontalBar), static_cast<QWidget*>(m_verticalBar),
+                             static_cast<QWidget*>(m_overviewButton), static_cast<QWidget*>(m_zoomLabel)})
+        control->setCursor(Qt::ArrowCursor); // else they have that of the panels
 }
 
 int CWEView::Margin() const
@@ -97,6 +123,7 @@ void CWEView::LayOut()
     SyncVerticalScroll();
     RefreshColumns();
     UpdateMarks();
+    UpdatePointerShape();
 }
 
 void CWEView::PlaceControls()
@@ -111,7 +138,7 @@ bool CWEView::event(QEvent* event)
 {
     // The release of the button goes elsewhere then.
     if (event->type() == QEvent::Hide || event->type() == QEvent::WindowDeactivate)
-        m_dragMode = DragMode::None;
+        EndDrag();
     return CView::event(event);
 }
 
@@ -157,28 +184,32 @@ void CWEView::OnVerticalScroll(int value)
 void CWEView::OnInitialUpdate()
 {
     WaveDocument().VisibleChannelCount = WaveDocument().ChannelCount();
-    TakeChange(true);
+    TakeChange({.What = DocumentChange::Kind::Reset});
 }
 
 void CWEView::OnDocumentChanged(const DocumentChange& change)
 {
     if (change.What == DocumentChange::Kind::Reset || change.What == DocumentChange::Kind::Frames)
-        TakeChange(change.What == DocumentChange::Kind::Reset);
+        TakeChange(change);
 }
 
-void CWEView::TakeChange(bool isNewSound)
+void CWEView::TakeChange(const DocumentChange& change)
 {
     CWEDoc& document = WaveDocument();
-    document.Columns().Invalidate();
+    const bool isNewSound = change.What == DocumentChange::Kind::Reset;
+    const bool wasEmpty = m_geometry.Length == 0;
+    m_playback.Stop();
     Site().SetActiveFormat(document.Format());
     if (isNewSound) {
+        EndDrag();
         m_geometry = {};
         m_amplitude.Center();
-        m_dragMode = DragMode::None;
     }
-    m_geometry.Length = document.IsReady() ? document.FrameCount() : 0;
+    if (isNewSound || change.StartFrame < m_geometry.FirstVisibleFrame + m_geometry.Span())
+        document.Columns().Invalidate();
+    m_geometry.SetLength(document.IsReady() ? document.FrameCount() : 0);
     LayOut();
-    if (isNewSound)
+    if (isNewSound || wasEmpty)
         ShowWholeSound();
     m_horizontalBar->setEnabled(document.IsReady());
     m_zoomLabel->setEnabled(document.IsReady());
@@ -195,6 +226,9 @@ void CWEView::ShowWholeSound()
 
 void CWEView::RefreshColumns()
 {
+    m_columnsAreOld = IsWorkRunning(); // it may be changing the sound; the columns stay as they are until it has ended
+    if (m_columnsAreOld)
+        return;
     WaveDocument().RefreshColumnCache(m_geometry.FirstVisibleFrame, m_geometry.FramesPerPixel,
                                       static_cast<uint32_t>(m_geometry.WavePanelWidth));
 }
@@ -240,6 +274,7 @@ void CWEView::ApplyAmplitude()
 
 void CWEView::UpdateMarks()
 {
+    m_wave.Length = m_geometry.Length;
     m_wave.Margin = Margin();
     m_wave.VerticalOffset = m_amplitude.ShownOffset(Margin());
     m_wave.SelectionChannel = m_geometry.SelectionChannel;
@@ -271,12 +306,55 @@ void CWEView::Repaint(uint32_t mask)
     update(m_device.Cover(m_layout.Tool));
 }
 
-void CWEView::timerEvent(QTimerEvent*)
+void CWEView::RepaintColumns(int64_t left, int64_t right)
 {
-    if (m_geometry.CursorFrame == WaveGeometry::NoFrame)
+    const Rect& wave = m_layout.Wave;
+    const int64_t width = wave.Width();
+    const Rect columns{wave.Left + static_cast<int>(std::clamp<int64_t>(left, 0, width)), wave.Top,
+                       wave.Left + static_cast<int>(std::clamp<int64_t>(right, 0, width)), wave.Bottom};
+    if (!columns.IsEmpty())
+        update(m_device.Cover(columns));
+}
+
+void CWEView::RepaintMarks()
+{
+    const int64_t left = m_wave.SelectionLeft;
+    const int64_t right = m_wave.SelectionRight;
+    const int64_t cursor = m_wave.CursorOffset;
+    const ChannelCode channel = m_wave.SelectionChannel;
+    UpdateMarks();
+    if (channel == m_wave.SelectionChannel) {
+        RepaintColumns(std::min(left, m_wave.SelectionLeft), std::max(left, m_wave.SelectionLeft));
+        RepaintColumns(std::min(right, m_wave.SelectionRight), std::max(right, m_wave.SelectionRight));
+    } else {
+        RepaintColumns(std::min(left, m_wave.SelectionLeft), std::max(right, m_wave.SelectionRight));
+    }
+    RepaintColumns(cursor, cursor + 1);
+    RepaintColumns(m_wave.CursorOffset, m_wave.CursorOffset + 1);
+    Repaint(PositionMask | MarkerMask);
+}
+
+void CWEView::RepaintCursor()
+{
+    update(m_device.Cover(CursorRect(m_layout.Wave, m_wave.Picture())));
+}
+
+void CWEView::LightCursor()
+{
+    m_wave.CursorLit = true;
+    m_blinkTimer.start();
+}
+
+void CWEView::Blink()
+{
+    if (m_columnsAreOld && !IsWorkRunning()) {
+        RefreshColumns();
+        Repaint(WaveMask);
+    }
+    if (m_geometry.CursorFrame == WaveGeometry::NoFrame || m_playback.IsPlaying())
         return;
     m_wave.CursorLit = !m_wave.CursorLit;
-    update(m_device.Cover(CursorRect(m_layout.Wave, m_wave.Picture())));
+    RepaintCursor();
 }
 
 void CWEView::paintEvent(QPaintEvent* event)
@@ -290,7 +368,8 @@ void CWEView::paintEvent(QPaintEvent* event)
     // The window's backing store is the off-screen bitmap: what is drawn here appears on the screen at once.
     QPainter painter(this);
     painter.scale(1 / m_device.Scale, 1 / m_device.Scale);
-    Draw(painter, m_device.Touched(event->rect()));
+    for (const QRect& rect : event->region()) // two columns far from each other, when a cursor moved
+        Draw(painter, m_device.Touched(rect));
 }
 
 void CWEView::Draw(QPainter& painter, const Rect& exposed)

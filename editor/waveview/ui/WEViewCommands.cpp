@@ -1,10 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "background/ProgressDlg.h"
 #include "resources/CommandIds.h"
 #include "waveview/ui/WEView.h"
 
 #include <QToolButton>
 
 namespace ek {
+
+bool CWEView::OnCmdMsg(uint32_t id, CommandCode code, CommandUi* ui)
+{
+    if (code == CN_COMMAND && IsWorkRunning()) // from a menu that was open when the work began
+        return false;
+    return CView::OnCmdMsg(id, code, ui);
+}
 
 std::span<const CommandEntry> CWEView::CommandTable() const
 {
@@ -22,6 +30,19 @@ std::span<const CommandEntry> CWEView::CommandTable() const
         Command<CWEView, &CWEView::OnCenterView, &CWEView::OnUpdateAmplitude>(ID_CENTER_VIEW),
         Command<CWEView, &CWEView::OnScaleFull, &CWEView::OnUpdateAmplitude>(ID_SCALE_FULL),
         Command<CWEView, &CWEView::OnOverview, &CWEView::OnUpdateOverview>(ID_OVERVIEW),
+        Command<CWEView, &CWEView::OnUndo, &CWEView::OnUpdateUndo>(ID_EDIT_UNDO),
+        Command<CWEView, &CWEView::OnUndoHistory, &CWEView::OnUpdateUndo>(ID_UNDO_HISTORY),
+        Command<CWEView, &CWEView::OnRedo, &CWEView::OnUpdateRedo>(ID_EDIT_REDO),
+        Command<CWEView, &CWEView::OnRedoHistory, &CWEView::OnUpdateRedo>(ID_REDO_HISTORY),
+        Command<CWEView, &CWEView::OnCut, &CWEView::OnUpdateCopy>(ID_EDIT_CUT),
+        Command<CWEView, &CWEView::OnCopy, &CWEView::OnUpdateCopy>(ID_EDIT_COPY),
+        Command<CWEView, &CWEView::OnDelete, &CWEView::OnUpdateCopy>(ID_DELETE),
+        Command<CWEView, &CWEView::OnPaste, &CWEView::OnUpdatePaste>(ID_EDIT_PASTE),
+        Command<CWEView, &CWEView::OnPasteMix, &CWEView::OnUpdatePaste>(ID_PASTE_MIX),
+        CommandRange<CWEView, &CWEView::OnSelect, &CWEView::OnUpdateSelect>(ID_SELECT_ALL, ID_SELECT_ALL),
+        CommandRange<CWEView, &CWEView::OnSelect, &CWEView::OnUpdateSelect>(ID_SELECT_LEFT, ID_SELECT_RIGHT),
+        CommandRange<CWEView, &CWEView::OnSelect>(ID_SELECT_BACK_LEFT, ID_SELECT_BACK_CENTER),
+        Command<CWEView, &CWEView::OnNextChannel, &CWEView::OnUpdateNextChannel>(ID_NEXT_CHANNEL),
     };
     return Table;
 }

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "host/AudioSettings.h"
+
+#include <QDialog>
+
+#include <functional>
+
+class QComboBox;
+class QLabel;
+class QSpinBox;
+
+namespace ek {
+
+/// What there is to choose from.
+struct DeviceLists {
+    std::function<std::vector<std::string>()> Systems = ListAudioSystems;
+    std::function<std::vector<AudioDeviceInfo>(const std::string& system, bool forCapture)> Devices = ListAudioDevices;
+};
+
+/// Asks for the audio system, its devices and the latency.
+class DeviceDialog : public QDialog {
+    Q_OBJECT
+
+public:
+    DeviceDialog(const AudioChoice& choice, DeviceLists lists, QWidget* parent);
+
+    void ShowDeviceInUse(const QString& device);
+
+signals:
+    void Chosen(const AudioChoice& choice); ///< with OK and with Apply
+
+private:
+    void AddRows(const AudioChoice& choice);
+    void AddButtons();
+    void FillSystems(const std::string& chosen);
+    void FillDevices();
+    void FillWith(QComboBox& box, bool forCapture, const std::string& chosen);
+    AudioChoice Shown() const;
+    std::string System() const;
+
+    DeviceLists m_lists;
+    AudioChoice m_choice; ///< what was given or applied last
+    QComboBox* m_system;
+    QComboBox* m_output;
+    QComboBox* m_input;
+    QSpinBox* m_latency;
+    QLabel* m_inUse;
+};
+
+} // namespace ek

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/HostAudio.h"
+
+#include "debugmanager/DebugManager.h"
+#include "ek/Message.h"
+
+#include <QCoreApplication>
+
+#include <utility>
+
+namespace ek {
+
+namespace {
+
+constexpr int WatchEveryMilliseconds = 1000;
+
+} // namespace
+
+HostAudio::HostAudio(const AudioChoice& choice)
+{
+    m_player.SetListener(this);
+    m_recorder.SetListener(this);
+    m_watch.setInterval(WatchEveryMilliseconds);
+    connect(&m_watch, &QTimer::timeout, this, [this] { m_player.Watch(); });
+    Choose(choice);
+}
+
+HostAudio::~HostAudio()
+{
+    m_player.Stop();
+    m_recorder.Stop();
+    m_player.SetListener(nullptr);
+    m_recorder.SetListener(nullptr);
+}
+
+void HostAudio::Choose(const AudioChoice& choice)
+{
+    m_choice = choice;
+    m_toldTrouble.clear();
+    m_player.Choose(choice.Output);
+    m_recorder.Choose(choice.Input());
+    if (!m_wasPlaying)
+        m_watch.stop();
+    else if (!m_watch.isActive())
+        m_watch.start();
+    emit StateChanged();
+}
+
+QString HostAudio::DeviceText() const
+{
+    const std::string name = m_player.DeviceName();
+    return QString::fromStdString(name.empty() ? m_choice.Output.Device : name);
+}
+
+bool HostAudio::Send(TransportCommand command, intptr_t parameter)
+{
+    return SendMessage(EK_WM_COMMAND, command, parameter);
+}
+
+void HostAudio::TakePlayerAway()
+{
+    if (m_player.GetOwner())
+        SendMessage(EK_WM_RELEASE_PLAYER);
+}
+
+bool HostAudio::SendMessage(uint32_t id, uintptr_t wParam, intptr_t lParam)
+{
+    if (!m_frame)
+        return false;
+    MessageEvent message(id, wParam, lParam);
+    message.ignore();
+    QCoreApplication::sendEvent(m_frame, &message);
+    return message.isAccepted();
+}
+
+TransportState HostAudio::State() const
+{
+    TransportState state;
+    state.Device = m_player.GetState();
+    state.CanPlay = m_player.CanPlay();
+    state.IsLoop = m_player.IsLoop() != 0;
+    state.ProgressRange = m_player.GetProgressRange();
+    state.Progress = state.IsStopped() ? 0 : m_player.Progress();
+    state.HeardMilliseconds = m_player.HeardMilliseconds();
+    return state;
+}
+
+void HostAudio::OnPlayerGranted()
+{
+    SendMessage(EK_WM_TAKE_PLAYER);
+}
+
+void HostAudio::OnPlayerReconfigured()
+{
+    SendMessage(EK_WM_TAKE_PLAYER);
+}
+
+void HostAudio::OnInputGranted()
+{
+    SendMessage(EK_WM_SETUP_CAPTURE);
+}
+
+void HostAudio::OnControlsChanged()
+{
+    QMetaObject::invokeMethod(this, &HostAudio::TakeControls, Qt::AutoConnection);
+}
+
+void HostAudio::TakeControls()
+{
+    const bool hasStarted = IsPlaying() && !m_wasPlaying;
+    m_wasPlaying = IsPlaying();
+    if (hasStarted)
+        m_toldTrouble.clear();
+    if (!m_wasPlaying)
+        m_watch.stop();
+    else if (!m_watch.isActive())
+        m_watch.start();
+    emit StateChanged();
+}
+
+void HostAudio::OnDeviceTrouble(const std::string& text)
+{
+    const std::lock_guard lock(m_troubleLock);
+    if (std::exchange(m_trouble, text).empty())
+        QMetaObject::invokeMethod(this, &HostAudio::TellOfTrouble, Qt::QueuedConnection);
+}
+
+void HostAudio::TellOfTrouble()
+{
+    std::unique_lock lock(m_troubleLock);
+    const QString text = QString::fromStdString(std::exchange(m_trouble, {}));
+    lock.unlock();
+    if (text.isEmpty() || std::exchange(m_toldTrouble, text) == text)
+        return;
+    enDebugManager().WriteLogMessage("Host", LogError, "Error: audio: %s", qPrintable(text));
+    emit Trouble(text);
+}
+
+} // namespace ek

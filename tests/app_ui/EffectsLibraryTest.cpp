@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "FrameFixture.h"
+
+#include "debugmanager/DebugManager.h"
+#include "effectmanager/EffectTree.h"
+#include "platform/Paths.h"
+
+#include <gmock/gmock.h>
+
+namespace ek {
+namespace {
+
+using testing::ElementsAre;
+
+class EffectsLibraryTest : public FrameFixture {
+protected:
+    Names LinesOf(const std::function<void()>& work)
+    {
+        enDebugManager().CollectLines();
+        enDebugManager().TakeLines();
+        work();
+        Names texts;
+        for (const CDebugManager::Line& line : enDebugManager().TakeLines()) {
+            if (line.Source == ModuleName && (line.Level == LogError || line.Text.find("ffect") != std::string::npos))
+                texts.push_back(line.Text);
+        }
+        return texts;
+    }
+    void NewFrame() { m_frame = new CMainFrame(m_page, m_app, &m_host); }
+    void DeleteFrame() { delete m_frame; }
+
+    std::filesystem::path m_library = GetLanguageFilePath("Language", "effects_editor.xml");
+};
+
+TEST_F(EffectsLibraryTest, TheFrameKeepsTheLibraryFromRunToRunAndLogsItsSteps)
+{
+    ASSERT_NE(m_frame->GetEffectTree(), nullptr);
+    EXPECT_EQ(m_frame->GetEffectTree()->GetRootNode().GetCaption(), "Effects Library");
+    EXPECT_EQ(m_frame->Player(), m_host.GetPlayer());
+    auto* const folder = new CEffectNode("Mine", NodeFolder);
+    m_frame->GetEffectTree()->TransferNode(folder, &m_frame->GetEffectTree()->GetRootNode());
+    EXPECT_THAT(LinesOf([this] { DeleteFrame(); }),
+                ElementsAre("Deleting effect trees...", "Deleting effect trees finished"));
+    EXPECT_THAT(LinesOf([this] { NewFrame(); }),
+                ElementsAre("Effects tree creation started...", "Scanning for the rest Voice Morphs...",
+                            "Scanning for the rest Special Effects...", "Scanning for the rest DirectX Effects...",
+                            "Scanning for the rest VST Effects...", "Effects tree creation finished..."));
+    const CEffectNode* const first = m_frame->GetEffectTree()->GetRootNode().FirstChild();
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first->GetCaption(), "Mine");
+}
+
+TEST_F(EffectsLibraryTest, AFileThatIsNoLibraryIsReportedAndNotWrittenOver)
+{
+    for (const char* content : {"<EffectsTree><Folder Caption=\"damaged\">", "<Other/>"}) {
+        DeleteFrame();
+        WriteTextFile(m_library, content);
+        const std::string reason = "Error: Failed to read the effects library \"" + m_library.string() + "\".";
+        EXPECT_THAT(LinesOf([this] { NewFrame(); }), testing::Contains(reason));
+        EXPECT_EQ(m_frame->GetEffectTree()->GetRootNode().FirstChild(), nullptr);
+        DeleteFrame();
+        EXPECT_EQ(ReadTextFile(m_library), content);
+    }
+}
+
+TEST_F(EffectsLibraryTest, ALibraryThatCannotBeWrittenIsReported)
+{
+    std::filesystem::remove_all(m_library.parent_path());
+    WriteTextFile(m_library.parent_path(), "a file where the folder should be");
+    const std::string reason = "Error: Failed to write the effects library \"" + m_library.string() + "\".";
+    EXPECT_THAT(LinesOf([this] { DeleteFrame(); }), testing::Contains(reason));
+}
+
+} // namespace
+} // namespace ek

@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Scratch.h"
+#include "StubModule.h"
+
+#include "ek/HostFrame.h"
+#include "ek/SoundData.h"
+#include "host/DeviceDialog.h"
+#include "host/HostAudio.h"
+#include "host/HostServices.h"
+#include "host/HostWindow.h"
+#include "host/SettingsStore.h"
+#include "host/TransportBar.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTest>
+
+namespace ek {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr char16_t Owner[] = u"Ek Wave Editor";
+
+AudioDeviceChoice Silent(uint32_t latency = 0)
+{
+    return {.System = "null", .Device = {}, .LatencyMilliseconds = latency, .File = {}};
+}
+
+/// Delivers silence without an end.
+uint32_t FillSilence(CHostAudioDevice*, void* request, void*)
+{
+    return static_cast<PlayRequest*>(request)->Sound->FrameCount;
+}
+
+class AudioTest : public testing::Test {
+protected:
+    AudioTest()
+    {
+        m_window = std::make_unique<HostWindow>(
+            m_module.Exports, m_settings,
+            HostWindowOptions{.SkinOfThisRun = "Light", .AskDesktop = false, .AudioOfThisRun = Silent()});
+        EXPECT_TRUE(m_window->Start());
+        m_window->show();
+        m_window->activateWindow();
+        m_window->Settle();
+        m_player = m_module.Host->GetPlayer();
+        m_module.Frame->Messages.clear();
+    }
+
+    /// As the module does it when it gets the command to play.
+    void Play()
+    {
+        WAVEFORMATEXTENSIBLE format;
+        format.wFormatTag = WAVE_FORMAT_PCM;
+        format.nChannels = 2;
+        format.nSamplesPerSec = 44100;
+        format.wBitsPerSample = 16;
+        format.nBlockAlign = 4;
+        format.nAvgBytesPerSec = 4 * 44100;
+        ASSERT_TRUE(m_player->Acquire(Owner));
+        m_player->SetFormat(&format);
+        m_player->SetBufferCount(5);
+        m_player->SetBufferSize(4096);
+        m_player->SetCallback(FillSilence, nullptr);
+        ASSERT_TRUE(m_player->Start());
+    }
+
+    void Announce(bool canPlay) { m_player->UpdateControls(Owner, canPlay); }
+
+    std::vector<uint32_t> TakeMessageIds()
+    {
+        std::vector<uint32_t> ids;
+        for (const StubFrame::Message& message : std::exchange(m_module.Frame->Messages, {}))
+            ids.push_back(message.Id);
+        return ids;
+    }
+
+    Scratch m_folder;
+    StubModule m_module;
+    SettingsStore m_settings{m_folder / "settings.ini"};
+    std::unique_ptr<HostWindow> m_window;
+    CHostPlayer* m_player = nullptr;
+};
+
+TEST_F(AudioTest, TheModuleIsToldThatADeviceIsGrantedOrReplaced)
+{
+    EXPECT_THAT(TakeMessageIds(), IsEmpty());
+    ASSERT_TRUE(m_player->Acquire(Owner));
+    EXPECT_THAT(TakeMessageIds(), ElementsAre(EK_WM_TAKE_PLAYER));
+    m_window->Audio().Choose({.Output = Silent(500), .InputDevice = {}});
+    EXPECT_THAT(TakeMessageIds(), ElementsAre(EK_WM_TAKE_PLAYER));
+    m_player->Release(Owner);
+    ASSERT_TRUE(m_module.Host->GetRecorder()->AcquireInput(Owner));
+    EXPECT_THAT(TakeMessageIds(), ElementsAre(EK_WM_SETUP_CAPTURE));
+}
+
+TEST_F(AudioTest, LeavingTakesThePlayerAwayFirst)
+{
+    Play();
+    m_module.Calls.clear();
+    m_module.Frame->OnMessage = [this](const StubFrame::Message& message) {
+        m_module.Calls.push_back(message.Id == EK_WM_RELEASE_PLAYER ? "Release player" : "another message");
+    };
+    EXPECT_TRUE(m_window->close());
+    EXPECT_THAT(m_module.Calls, ElementsAre("TryClose", "Release player", "ChangeState 0", "Free"));
+}
+
+TEST_F(AudioTest, TheTransportFollowsThePlayerAndDrivesTheModule)
+{
+    m_module.Frame->OnMessage = [this](const StubFrame::Message& message) {
+        if (message.WParam == TransportPlay && m_player->GetState() == CHostAudioDevice::Paused)
+            m_player->Pause();
+        else if (message.WParam == TransportPlay)
+            Play();
+        else if (message.WParam == TransportStop)
+            m_player->Stop();
+    };
+    m_module.Frame->setFocus();
+    const auto pressSpace = [this] { QTest::keyClick(m_window->windowHandle(), Qt::Key_Space); };
+    pressSpace();
+    EXPECT_THAT(TakeMessageIds(), IsEmpty()) << "there is nothing to play";
+    Announce(true);
+    pressSpace();
+    EXPECT_EQ(m_player->GetState(), CHostAudioDevice::Running);
+    const auto* slider = m_window->findChild<QSlider*>();
+    m_player->SetProgress(m_player->GetProgressRange() / 2);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return slider->value() == slider->maximum() / 2; }));
+    m_player->Pause();
+    pressSpace();
+    EXPECT_EQ(m_player->GetState(), CHostAudioDevice::Running);
+    pressSpace();
+    EXPECT_EQ(m_player->GetState(), CHostAudioDevice::Stopped);
+    EXPECT_EQ(slider->value(), 0);
+    EXPECT_FALSE(slider->isEnabled());
+}
+
+TEST_F(AudioTest, TheLoopIsTheHosts)
+{
+    EXPECT_FALSE(m_player->IsLoop());
+    m_module.Frame->setFocus();
+    QTest::keyClick(m_window->windowHandle(), Qt::Key_L);
+    EXPECT_TRUE(m_player->IsLoop());
+    EXPECT_THAT(m_module.Frame->Messages, IsEmpty());
+}
+
+TEST_F(AudioTest, SeekingCarriesItsPercent)
+{
+    EXPECT_TRUE(m_window->Audio().Send(TransportSeek, 37));
+    EXPECT_THAT(m_module.Frame->Messages, ElementsAre(StubFrame::Message{EK_WM_COMMAND, TransportSeek, 37}));
+}
+
+TEST_F(AudioTest, RecordingWaitsForTheModulesLeave)
+{
+    const auto isEnabled = [this] {
+        m_window->Settle();
+        for (const QAction* action : m_window->findChild<TransportBar*>()->actions()) {
+            if (action->text().startsWith("&Record"))
+                return action->isEnabled();
+        }
+        return false;
+    };
+    m_module.Disabled = {TransportRecord};
+    EXPECT_FALSE(isEnabled());
+    m_module.Disabled.clear();
+    EXPECT_TRUE(isEnabled());
+    m_module.Unknown = {TransportRecord};
+    EXPECT_FALSE(isEnabled());
+}
+
+class DeviceDialogTest : public testing::Test {
+protected:
+    DeviceDialogTest()
+    {
+        QObject::connect(&m_dialog, &DeviceDialog::Chosen,
+                         [this](const AudioChoice& choice) { m_chosen.push_back(choice); });
+    }
+
+    static DeviceLists Lists()
+    {
+        return {.Systems =
+                    [] {
+                        return std::vector<std::string>{"auto", "alsa", "null"};
+                    },
+                .Devices =
+                    [](const std::string& system, bool forCapture) {
+                        std::vector<AudioDeviceInfo> devices;
+                        if (system == "alsa")
+                            devices.push_back({system, forCapture ? "Microphone" : "Speakers & more", 2, true});
+                        return devices;
+                    }};
+    }
+
+    void Select(const char* box, const QString& text)
+    {
+        auto* found = m_dialog.findChild<QComboBox*>(QLatin1String(box));
+        for (int i = 0; i < found->count(); ++i) {
+            if (found->itemText(i).startsWith(text))
+                found->setCurrentIndex(i);
+        }
+        ASSERT_TRUE(found->currentText().startsWith(text)) << box;
+    }
+
+    void Click(QDialogButtonBox::StandardButton button)
+    {
+        m_dialog.findChild<QDialogButtonBox*>()->button(button)->click();
+    }
+
+    std::vector<AudioChoice> m_chosen;
+    const AudioChoice m_given{.Output = {.System = "jack", .Device = "Gone", .LatencyMilliseconds = 40, .File = {}},
+                              .InputDevice = "Also gone"};
+    DeviceDialog m_dialog{m_given, Lists(), nullptr};
+};
+
+TEST_F(DeviceDialogTest, WhatIsGoneNowStaysChosenUntilItIsChanged)
+{
+    Click(QDialogButtonBox::Apply);
+    EXPECT_THAT(m_chosen, ElementsAre(m_given));
+    Select("system", "ALSA");
+    Select("output", "Speakers");
+    Select("input", "Microphone");
+    m_dialog.findChild<QSpinBox*>()->setValue(0);
+    Click(QDialogButtonBox::Ok);
+    ASSERT_EQ(m_chosen.size(), 2u);
+    EXPECT_EQ(m_chosen[1].Output,
+              (AudioDeviceChoice{.System = "alsa", .Device = "Speakers & more", .LatencyMilliseconds = 0, .File = {}}));
+    EXPECT_EQ(m_chosen[1].InputDevice, "Microphone");
+}
+
+TEST_F(DeviceDialogTest, AnotherSystemStartsWithItsDefaultsAndCancellingChangesNothing)
+{
+    Select("system", "None");
+    EXPECT_EQ(m_dialog.findChild<QComboBox*>("output")->currentText(), "Default device");
+    Select("system", "JACK");
+    EXPECT_EQ(m_dialog.findChild<QComboBox*>("output")->currentText(), "Gone (not connected)");
+    Click(QDialogButtonBox::Cancel);
+    EXPECT_THAT(m_chosen, IsEmpty());
+}
+
+TEST(AudioSettingsTest, AChoiceComesBackAndNonsenseIsTheDefault)
+{
+    const Scratch folder;
+    const AudioChoice choice{.Output = {.System = "null", .Device = "A ; b", .LatencyMilliseconds = 70, .File = {}},
+                             .InputDevice = "in"};
+    {
+        SettingsStore store(folder / "s.ini");
+        HostServices services(store);
+        EXPECT_EQ(LoadAudioChoice(services), AudioChoice());
+        StoreAudioChoice(services, choice);
+        services.SaveSettings();
+    }
+    SettingsStore store(folder / "s.ini");
+    HostServices services(store);
+    EXPECT_EQ(LoadAudioChoice(services), choice);
+    EXPECT_EQ(choice.Input().Device, "in");
+    services.WriteOwnSetting("AudioLatency", "70x");
+    EXPECT_EQ(LoadAudioChoice(services).Output.LatencyMilliseconds, 0u);
+    services.WriteOwnSetting("AudioLatency", "999999");
+    EXPECT_LE(LoadAudioChoice(services).Output.LatencyMilliseconds, 2000u);
+    services.WriteOwnSetting("AudioSystem", "gramophone");
+    EXPECT_EQ(LoadAudioChoice(services), AudioChoice());
+}
+
+} // namespace
+} // namespace ek

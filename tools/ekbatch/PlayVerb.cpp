@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Batch.h"
+#include "Interruption.h"
+
+#include "devices/HostPlayer.h"
+#include "platform/Events.h"
+#include "waveview/WavePlayback.h"
+
+#include <chrono>
+#include <mutex>
+
+namespace ek {
+
+namespace {
+
+/// One playing of a sound from its beginning, or that of its selection, to its end.
+class Performance final : private PlaybackSite, private HostPlayerListener {
+public:
+    Performance(CWEDoc& document, const WaveGeometry& view, const AudioDeviceChoice& device)
+        : m_view(view), m_playback(document, m_view, &m_player, nullptr, *this)
+    {
+        m_view.CursorFrame = WaveGeometry::NoFrame;
+        m_player.SetListener(this);
+        m_player.Choose(device);
+    }
+
+    ~Performance()
+    {
+        m_playback.Stop();
+        m_player.SetListener(nullptr);
+    }
+
+    enum class End { Heard, NotHeard, Interrupted };
+    End Run()
+    {
+        m_playback.Play();
+        auto nextWatch = std::chrono::steady_clock::now() + WatchInterval;
+        while (m_playback.IsPlaying() && !m_rangePlayed.WaitFor(std::chrono::milliseconds(50))) {
+            if (IsInterrupted())
+                return End::Interrupted;
+            // At a regular end the state may change shortly before the notice comes.
+            if (m_player.GetState() == CHostPlayer::Stopped && !m_rangePlayed.WaitFor(WatchInterval))
+                return End::NotHeard;
+            if (std::chrono::steady_clock::now() >= nextWatch) {
+                m_player.Watch();
+                nextWatch += WatchInterval;
+            }
+        }
+        const bool heard = m_rangePlayed.IsSet();
+        m_playback.Finish();
+        return heard ? End::Heard : End::NotHeard;
+    }
+
+    /// What the device had to say; empty: nothing.
+    std::string Trouble()
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_trouble;
+    }
+
+private:
+    static constexpr std::chrono::seconds WatchInterval{1};
+
+    void OnCursorMoved(uint64_t) override {}
+    void OnPlaybackStarted() override {}
+    void OnPlaybackStopped() override {}
+    void OnRangePlayed() override { m_rangePlayed.Set(); }
+
+    void OnPlayerGranted() override {}
+    void OnPlayerReconfigured() override {}
+    void OnControlsChanged() override {}
+    void OnDeviceTrouble(const std::string& text) override
+    {
+        const std::lock_guard lock(m_mutex);
+        m_trouble += m_trouble.empty() ? text : "\n" + text;
+    }
+
+    ManualResetEvent m_rangePlayed;
+    std::mutex m_mutex;
+    std::string m_trouble;
+    WaveGeometry m_view;
+    HostPlayer m_player;
+    WavePlayback m_playback;
+};
+
+} // namespace
+
+Batch::Outcome Batch::Play(const Words& words, std::string& error)
+{
+    const OpenSound* sound = Current(error);
+    if (!sound)
+        return Outcome::Failed;
+    AudioDeviceChoice device;
+    if (words.size() > 1) {
+        device.System = "file";
+        device.File = AbsolutePath(words[1]);
+        if (device.File.empty())
+            return Fail(error, "there is no file \"" + words[1] + "\" to play into");
+    }
+    if (sound->Document->FrameCount() == 0)
+        return Fail(error, "the sound is empty");
+    Performance performance(*sound->Document, sound->View, device);
+    const Performance::End end = performance.Run();
+    if (const std::string trouble = performance.Trouble(); !trouble.empty())
+        m_prompts.ShowMessage(trouble, MessageButtons::Ok, MessageIcon::Error);
+    if (end == Performance::End::Interrupted)
+        return Fail(error, "interrupted");
+    return end == Performance::End::Heard ? Outcome::Done : Fail(error, "the sound was not played to its end");
+}
+
+} // namespace ek
