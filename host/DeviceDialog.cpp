@@ -48,7 +48,7 @@ void Select(QComboBox& box, const std::string& data)
 DeviceDialog::DeviceDialog(const AudioChoice& choice, DeviceLists lists, QWidget* parent)
     : QDialog(parent), m_lists(std::move(lists)), m_choice(choice), m_system(new QComboBox(this)),
       m_output(new QComboBox(this)), m_input(new QComboBox(this)), m_latency(new QSpinBox(this)),
-      m_inUse(new QLabel(this))
+      m_inUse(new QLabel(this)), m_test(new QPushButton(tr("&Test"), this))
 {
     setWindowTitle(tr("Audio Devices"));
     new QVBoxLayout(this);
@@ -84,6 +84,11 @@ void DeviceDialog::AddButtons()
     auto* buttons =
         new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::Apply, this);
     layout()->addWidget(buttons);
+    m_test->setToolTip(tr("Play a short tone to the chosen output"));
+    m_test->setAutoDefault(false);
+    buttons->addButton(m_test, QDialogButtonBox::ActionRole);
+    connect(m_test, &QPushButton::clicked, this, &DeviceDialog::Test);
+    connect(&m_tone, &TestTone::Failed, m_inUse, &QLabel::setText);
     const auto apply = [this] {
         m_choice = Shown();
         emit Chosen(m_choice);
@@ -106,6 +111,7 @@ void DeviceDialog::FillSystems(const std::string& chosen)
 
 void DeviceDialog::FillDevices()
 {
+    m_test->setEnabled(System() != "file"); // which holds what was played
     const bool isOwnSystem = System() == m_choice.Output.System;
     FillWith(*m_output, false, isOwnSystem ? m_choice.Output.Device : std::string());
     FillWith(*m_input, true, isOwnSystem ? m_choice.InputDevice : std::string());
@@ -124,6 +130,11 @@ void DeviceDialog::FillWith(QComboBox& box, bool forCapture, const std::string& 
     if (box.findData(name) < 0)
         box.addItem(tr("%1 (not connected)").arg(name), name);
     Select(box, chosen);
+}
+
+void DeviceDialog::Test()
+{
+    m_tone.Play(Shown().Output);
 }
 
 void DeviceDialog::ShowDeviceInUse(const QString& device)

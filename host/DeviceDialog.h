@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/AudioSettings.h"
+#include "host/TestTone.h"
 
 #include <QDialog>
 
@@ -9,6 +10,7 @@
 
 class QComboBox;
 class QLabel;
+class QPushButton;
 class QSpinBox;
 
 namespace ek {
@@ -19,7 +21,7 @@ struct DeviceLists {
     std::function<std::vector<AudioDeviceInfo>(const std::string& system, bool forCapture)> Devices = ListAudioDevices;
 };
 
-/// Asks for the audio system, its devices and the latency.
+/// Asks for the audio system, its devices and the latency, and lets them be tried.
 class DeviceDialog : public QDialog {
     Q_OBJECT
 
@@ -36,6 +38,7 @@ private:
     void AddButtons();
     void FillSystems(const std::string& chosen);
     void FillDevices();
+    void Test();
     void FillWith(QComboBox& box, bool forCapture, const std::string& chosen);
     AudioChoice Shown() const;
     std::string System() const;
@@ -47,6 +50,8 @@ private:
     QComboBox* m_input;
     QSpinBox* m_latency;
     QLabel* m_inUse;
+    QPushButton* m_test;
+    TestTone m_tone;
 };
 
 } // namespace ek

@@ -17,7 +17,7 @@ namespace ek {
 
 namespace {
 
-constexpr int LookEveryMilliseconds = 33;
+constexpr int LookEveryMilliseconds = 50;
 constexpr int TroubleTextMilliseconds = 10000;
 
 } // namespace

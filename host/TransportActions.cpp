@@ -72,7 +72,7 @@ TransportActions::TransportActions(QObject* parent)
     for (const Kind& kind : Kinds()) {
         auto* action = new QAction(tr(kind.Text), this);
         action->setCheckable(kind.IsCheckable);
-        action->setAutoRepeat(false);
+        action->setAutoRepeat(kind.Command == TransportBack || kind.Command == TransportForward);
         NameKeyInToolTip(*action, {});
         connect(action, &QAction::triggered, this, [this, command = kind.Command] { emit CommandChosen(command); });
         m_commands[kind.Command] = action;

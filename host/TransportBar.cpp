@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "host/TransportBar.h"
 
+#include "host/HeardDisplay.h"
 #include "host/TransportActions.h"
 
 #include "skincontrols/LevelMeter.h"
 #include "skincontrols/SCSlider.h"
 #include "skincontrols/Skin.h"
 
-#include <QFontDatabase>
-#include <QLabel>
 #include <QMenu>
 #include <QToolButton>
 
@@ -18,22 +17,11 @@ namespace {
 
 constexpr qint64 SeekEveryMilliseconds = 150;
 constexpr int IconSize = 16;
-constexpr uint64_t LongestTime = 99 * 3600 * 1000; ///< the display has room for it
 
 } // namespace
 
-QString HeardText(uint64_t milliseconds)
-{
-    const uint64_t seconds = milliseconds / 1000;
-    return QStringLiteral("%1:%2:%3,%4")
-        .arg(seconds / 3600)
-        .arg(seconds / 60 % 60, 2, 10, QLatin1Char('0'))
-        .arg(seconds % 60, 2, 10, QLatin1Char('0'))
-        .arg(milliseconds % 1000, 3, 10, QLatin1Char('0'));
-}
-
 TransportBar::TransportBar(const TransportActions& actions, QWidget* parent)
-    : QToolBar(tr("Transport"), parent), m_slider(new CSCSlider(this)), m_time(new QLabel(HeardText(0), this)),
+    : QToolBar(tr("Transport"), parent), m_slider(new CSCSlider(this)), m_heard(new HeardDisplay(this)),
       m_meter(new CSCLevelMeter(this)), m_deviceMenu(new QMenu(this)), m_device(new QToolButton(this))
 {
     setObjectName(QStringLiteral("transport"));
@@ -48,11 +36,7 @@ TransportBar::TransportBar(const TransportActions& actions, QWidget* parent)
     addAction(actions.Of(TransportRecord));
     addSeparator();
     AddSlider();
-    m_time->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    m_time->setAlignment(Qt::AlignCenter);
-    m_time->setMinimumWidth(m_time->fontMetrics().horizontalAdvance(HeardText(LongestTime)) + IconSize);
-    m_time->setToolTip(tr("Heard since the start"));
-    addWidget(m_time);
+    addWidget(m_heard);
     addWidget(m_meter);
     m_meter->setToolTip(tr("Level; click to put out the clip lights"));
     m_device->setMenu(m_deviceMenu);
@@ -111,7 +95,7 @@ void TransportBar::Show(const TransportState& state)
         m_slider->setPageStep(std::max(range / 10, 1));
         m_slider->setValue(static_cast<int>(state.Progress));
     }
-    m_time->setText(HeardText(state.HeardMilliseconds));
+    m_heard->Show(state.HeardMilliseconds);
     m_meter->SetOn(state.IsRunning());
 }
 

@@ -8,13 +8,13 @@
 
 #include <optional>
 
-class QLabel;
 class QToolButton;
 
 namespace ek {
 
 class CSCLevelMeter;
 class CSCSlider;
+class HeardDisplay;
 class TransportActions;
 
 /// The buttons of the transport, the seek slider, what was heard, the levels, and the device.
@@ -44,7 +44,7 @@ private:
     void SeekWhileDragged();
 
     CSCSlider* m_slider;
-    QLabel* m_time;
+    HeardDisplay* m_heard;
     CSCLevelMeter* m_meter;
     QMenu* m_deviceMenu;
     QToolButton* m_device;
@@ -54,8 +54,5 @@ private:
     QElapsedTimer m_sinceSeek;
     std::optional<int> m_soughtPercent; ///< during the present drag
 };
-
-/// "h:mm:ss,mmm"
-QString HeardText(uint64_t milliseconds);
 
 } // namespace ek

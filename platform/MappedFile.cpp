@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/MappedFile.h"
 #include "platform/FileCalls.h"
+#include "platform/SpaceRelease.h"
 #include "platform/TempFile.h"
 
 #include <algorithm>
@@ -78,6 +79,7 @@ IoStatus MappedFile::Close()
 IoStatus MappedFile::CloseAndRemove()
 {
     const bool wasOpen = m_file.IsOpen();
+    const DeferredSpaceRelease space(m_file);
     const IoStatus closed = Close();
     const IoStatus removed = wasOpen ? RemoveFile(m_path) : IoStatus();
     return closed.Ok() ? removed : closed;

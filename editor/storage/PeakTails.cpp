@@ -61,16 +61,20 @@ uint64_t PeakTails::Restore(PeakCache& peaks, uint64_t frames)
         peaks.Move(m_current.FirstBlock(), m_current.EndBlock(), place);
         return std::min(place * BlockFrames, frames);
     }
-    Keep(peaks);
     const auto known =
         std::ranges::find_if(m_tails, [&](const Tail& tail) { return AreCongruent(tail.From.Frames, frames); });
-    if (known == m_tails.end())
+    Tail tail;
+    if (known != m_tails.end()) {
+        tail = std::move(*known);
+        m_tails.erase(known); // the cache is to hold them now
+    }
+    Keep(peaks);
+    const uint64_t first = std::max(tail.From.FirstBlock(), tail.FirstBlock);
+    if (first >= tail.From.EndBlock())
         return frames;
-    const uint64_t first = std::max(known->From.FirstBlock(), known->FirstBlock);
-    const uint64_t place = placeOf(known->From, first);
+    const uint64_t place = placeOf(tail.From, first);
     for (uint32_t channel = 0; channel < peaks.ChannelCount(); ++channel)
-        peaks.Put(channel, place, std::span(known->Entries[channel]).subspan(first - known->FirstBlock));
-    m_tails.erase(known); // the cache holds them now
+        peaks.Put(channel, place, std::span(tail.Entries[channel]).subspan(first - tail.FirstBlock));
     return std::min(place * BlockFrames, frames);
 }
 

@@ -2,7 +2,7 @@
 #include "storage/Replacement.h"
 
 #include <algorithm>
-#include <memory>
+#include <cstring>
 
 namespace ek {
 
@@ -10,6 +10,7 @@ namespace {
 
 constexpr uint64_t LargestFile = TempFileList::LargestFile;
 constexpr uint64_t CopyBytes = 262144;
+constexpr uint64_t BufferBytes = 262144;
 
 /// The end of the file that the offset cuts; the offset itself on the border of two files.
 uint64_t EndOfCutFile(const TempFileList& files, uint64_t offset)
@@ -86,19 +87,36 @@ bool Replacement::Extend(uint64_t length, Put put)
     return true;
 }
 
+bool Replacement::Flush()
+{
+    const uint64_t length = m_buffered;
+    m_buffered = 0;
+    return Extend(length, [this](TempFileEntry& file, uint64_t done, uint64_t part, uint64_t place) {
+        return file.Write(m_buffer.get() + done, part, place);
+    });
+}
+
 bool Replacement::Append(const void* bytes, uint64_t length)
 {
     const auto* const from = static_cast<const uint8_t*>(bytes);
+    if (!m_buffer)
+        m_buffer = std::make_unique_for_overwrite<uint8_t[]>(BufferBytes);
     m_length += length;
-    return Extend(length, [from](TempFileEntry& file, uint64_t done, uint64_t part, uint64_t place) {
-        return file.Write(from + done, part, place);
-    });
+    for (uint64_t done = 0; done < length;) {
+        const uint64_t part = std::min(length - done, BufferBytes - m_buffered);
+        std::memcpy(m_buffer.get() + m_buffered, from + done, part);
+        m_buffered += part;
+        done += part;
+        if (m_buffered == BufferBytes && !Flush())
+            return false;
+    }
+    return true;
 }
 
 bool Replacement::AppendZeros(uint64_t length)
 {
     m_length += length;
-    return Extend(length, [](TempFileEntry&, uint64_t, uint64_t, uint64_t) { return true; });
+    return Flush() && Extend(length, [](TempFileEntry&, uint64_t, uint64_t, uint64_t) { return true; });
 }
 
 bool Replacement::CopyToBack(uint64_t from, uint64_t to)
@@ -142,8 +160,10 @@ bool Replacement::JoinNextFiles()
 
 bool Replacement::Complete()
 {
+    if (!m_valid)
+        return false;
     m_end = EndOfCutFile(m_files, m_to);
-    if (!CopyToBack(m_to, m_end) || !CopyFront() || !JoinNextFiles())
+    if (!Flush() || !CopyToBack(m_to, m_end) || !CopyFront() || !JoinNextFiles())
         return false;
     m_files.Reserve(m_pieces.size());
     return true;

@@ -4,6 +4,7 @@
 #include "storage/TempFileList.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace ek {
 
@@ -44,6 +45,7 @@ public:
 private:
     void PlanFront(uint64_t newLength);
     bool MakeRoom(uint64_t wanted);
+    bool Flush();
     template <class Put>
     bool Extend(uint64_t length, Put put);
     bool CopyToBack(uint64_t from, uint64_t to);
@@ -57,7 +59,9 @@ private:
     uint64_t m_end;         ///< the old bytes [m_to, m_end) stand behind them
     uint64_t m_planned = 0; ///< bytes that are still to come, for which room is made along with the next ones
     uint64_t m_length = 0;
-    uint64_t m_allocated = 0; ///< of the newest file
+    std::unique_ptr<uint8_t[]> m_buffer; ///< gathers short pieces: a call of the system costs as much as one of them
+    uint64_t m_buffered = 0;             ///< bytes in it, the last ones appended
+    uint64_t m_allocated = 0;            ///< of the newest file
     TempFileList::List m_pieces;
     bool m_valid;
 };

@@ -2,6 +2,7 @@
 #include "storage/TempFileList.h"
 
 #include "debugmanager/DebugManager.h"
+#include "platform/SpaceRelease.h"
 #include "platform/TempFile.h"
 
 #include <algorithm>
@@ -59,6 +60,7 @@ bool TempFileEntry::Allocate(uint64_t size)
 
 bool TempFileEntry::Delete()
 {
+    const DeferredSpaceRelease space(Handle);
     const bool closed = LogUnlessOk(Handle.Close(), "Error: Failed to close temporary file \"%s\".", Name);
     return LogUnlessOk(RemoveFile(Name), "Error: Failed to delete temporary file \"%s\".", Name) && closed;
 }

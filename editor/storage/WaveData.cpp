@@ -14,6 +14,7 @@
 #include <cstring>
 #include <exception>
 #include <mutex>
+#include <new>
 
 namespace ek {
 
@@ -193,10 +194,15 @@ bool CWaveData::ComputePeaks(uint64_t start, uint64_t end, uint32_t onlyChannel)
     const FlagGuard computing(m_computingPeaks);
     if (FlushPages() && PeakBuilder(m_files, BlockAlign(), m_peaks, onlyChannel).Run(start, end))
         return true;
+    DropPeaks();
+    return false;
+}
+
+void CWaveData::DropPeaks()
+{
     Log(LogError, "Error: Failed to create cache256 for file \"%s\".");
     m_peaks.Free();
     m_tails.Clear();
-    return false;
 }
 
 bool CWaveData::BuildPeakCache()
@@ -227,6 +233,16 @@ bool CWaveData::RenewMovedPeaks(uint64_t start)
 bool CWaveData::RebuildPeakCachePart(uint64_t startFrame, uint64_t oldLength, uint64_t newLength, ChannelCode code)
 {
     Log(LogInformation, "Creating part of cache256 for file \"%s\".");
+    try {
+        return RenewPeaks(startFrame, oldLength, newLength, code);
+    } catch (const std::bad_alloc&) {
+        DropPeaks(); // the edit they are of is done
+        return false;
+    }
+}
+
+bool CWaveData::RenewPeaks(uint64_t startFrame, uint64_t oldLength, uint64_t newLength, ChannelCode code)
+{
     if (m_peaks.IsEmpty())
         return BuildAllPeaks();
     const uint64_t start = startFrame / PeakCache::BlockFrames * PeakCache::BlockFrames;

@@ -135,7 +135,9 @@ private:
     bool ReadRecord(File& file, uint64_t& position);
     bool ReadBytes(File& file, uint64_t& position);
     bool ComputePeaks(uint64_t start, uint64_t end, uint32_t onlyChannel);
+    void DropPeaks();
     bool BuildAllPeaks();
+    bool RenewPeaks(uint64_t startFrame, uint64_t oldLength, uint64_t newLength, ChannelCode code);
     bool RenewMovedPeaks(uint64_t start);
     bool EditsOneChannel(ChannelCode code) const;
     WorkResult TakeFromBlock(const EditRange& range, SoundBuffer& block);

@@ -102,21 +102,26 @@ bool WavePlayback::PreparePlay()
     return true;
 }
 
-/// False: the effects refuse the sound, which is played without them.
+/// False: the sound is played without the tree. When effects refuse the sound, the user is told and they are switched
+/// off.
 bool WavePlayback::OpenStream()
 {
-    tEffError error;
-    {
-        const std::lock_guard lock(m_streamMutex);
-        m_tree->CloseStream();
-        m_tree->SetAudioInput(&m_input);
-        error = m_tree->OpenStream(m_document.Format());
-    }
+    tEffError error = TryToOpenStream();
     if (error == EffectSuccess)
         return true;
-    CloseStream();
     AfxSCMessageBox(EffectRefusal(error));
-    return false;
+    m_tree->SwitchOffEffects();
+    error = TryToOpenStream();
+    if (error != EffectSuccess)
+        CloseStream();
+    return error == EffectSuccess;
+}
+
+tEffError WavePlayback::TryToOpenStream()
+{
+    const std::lock_guard lock(m_streamMutex);
+    m_tree->SetAudioInput(&m_input);
+    return m_tree->OpenStream(m_document.Format());
 }
 
 void WavePlayback::CloseStream()
@@ -316,7 +321,7 @@ void WavePlayback::Resume()
         m_savedCursor = m_geometry.CursorFrame;
         if (!StartPlayer())
             return;
-    } else if (!m_input.JumpTo(m_range, m_geometry.CursorFrame, m_clock())) {
+    } else if (!MoveInput()) {
         if (!StartAnew())
             return;
     } else if (m_paused) {
@@ -326,6 +331,17 @@ void WavePlayback::Resume()
             return;
     }
     ShowStarted();
+}
+
+/// To the cursor. False: the player has been told that there is no more.
+bool WavePlayback::MoveInput()
+{
+    // No block comes between the two: it would take frames from the new place that are then forgotten.
+    const std::lock_guard lock(m_streamMutex);
+    if (m_throughTree)
+        m_tree->RestartStream();
+    m_hasGivenFrames = false;
+    return m_input.JumpTo(m_range, m_geometry.CursorFrame, m_clock());
 }
 
 PlayRange WavePlayback::RangeToPlay() const

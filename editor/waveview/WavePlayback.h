@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "effectmanager/EffectAbstract.h"
 #include "ek/HostAudioDevice.h"
 #include "ek/SoundData.h"
 #include "waveview/ViewInput.h"
@@ -77,6 +78,7 @@ public:
 private:
     bool PreparePlay();
     bool OpenStream();
+    tEffError TryToOpenStream();
     void CloseStream();
     bool StartPlayer();
     void FailToStart();
@@ -84,6 +86,7 @@ private:
     void Begin();
     void ContinuePaused();
     void Resume();
+    bool MoveInput();
     void ShowStarted();
     void StopNow();
     void Detach();

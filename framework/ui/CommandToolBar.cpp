@@ -24,7 +24,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override
     {
         if (event->button() == Qt::RightButton || (event->button() == Qt::LeftButton && IsOnArrow(event->pos())))
-            m_request();
+            Request();
         else
             QToolButton::mousePressEvent(event);
     }
@@ -32,6 +32,14 @@ protected:
     void contextMenuEvent(QContextMenuEvent*) override {} // the right button has its own meaning here
 
 private:
+    /// The list that opens takes the pointer without telling the button.
+    void Request()
+    {
+        m_request();
+        setAttribute(Qt::WA_UnderMouse, false);
+        update();
+    }
+
     bool IsOnArrow(const QPoint& at) const
     {
         QStyleOptionToolButton option;

@@ -6,10 +6,12 @@
 #include "devices/FileDevice.h"
 #include "devices/NullDevice.h"
 #include "devices/RtStream.h"
+#include "platform/Events.h"
 
 #include <algorithm>
 #include <chrono>
-#include <future>
+#include <thread>
+#include <utility>
 
 namespace ek {
 
@@ -39,6 +41,14 @@ std::string DefaultCardName(const std::string& chosen)
 
 class SystemBackend final : public AudioBackend {
 public:
+    ~SystemBackend() override
+    {
+        // Libraries are about to be taken down; but a server that does not answer must not keep the program alive.
+        constexpr std::chrono::milliseconds Patience{500};
+        if (m_query)
+            (void)m_query->Done.WaitFor(Patience);
+    }
+
     int64_t NowMicroseconds() override { return MonotonicMicroseconds(); }
 
     std::unique_ptr<OutputDevice> OpenOutput(const AudioDeviceChoice& choice, const StreamWish& wish,
@@ -77,22 +87,28 @@ public:
     {
         if (!choice.Device.empty() || choice.System == "null" || choice.System == "file")
             return false;
-        // On a thread of its own: a server that does not answer must not stop the window.
-        bool hasMoved = false;
-        if (m_default.valid()) {
-            if (m_default.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
-                return false;
-            const std::string present = m_default.get();
-            hasMoved = !present.empty() && present != name && m_asked == choice;
-        }
-        m_asked = choice;
-        m_default = std::async(std::launch::async, DefaultCardName, choice.System);
+        // On a thread of its own, which nobody joins: a server that does not answer must not stop the window.
+        if (m_query && !m_query->Done.IsSet())
+            return false;
+        const bool hasMoved = m_query && m_query->Choice == choice && !m_query->Name.empty() && m_query->Name != name;
+        m_query = std::make_shared<Query>();
+        m_query->Choice = choice;
+        std::thread([query = m_query] {
+            query->Name = DefaultCardName(query->Choice.System);
+            query->Done.Set();
+        }).detach();
         return hasMoved;
     }
 
 private:
-    AudioDeviceChoice m_asked;
-    std::future<std::string> m_default; ///< the name of the default device of what was asked for
+    /// For the name of the device that is now the default one.
+    struct Query {
+        AudioDeviceChoice Choice;
+        std::string Name; ///< once it is done
+        ManualResetEvent Done;
+    };
+
+    std::shared_ptr<Query> m_query;
 };
 
 } // namespace

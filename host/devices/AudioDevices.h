@@ -15,7 +15,7 @@ struct AudioDeviceChoice {
     std::string System = "auto";
     std::string Device;               ///< a name from ListAudioDevices; empty: the system's default, which is followed
     uint32_t LatencyMilliseconds = 0; ///< what the sound card is asked to hold; 0: what the system prefers
-    std::filesystem::path File;
+    std::filesystem::path File = {};
 
     bool operator==(const AudioDeviceChoice&) const = default;
 };

@@ -63,7 +63,7 @@ private:
             for (uint32_t i = 0; i < count; ++i)
                 m_frames[static_cast<size_t>(i) * m_shape.Channels + channel] = m_sound.Record().Channels[channel][i];
         queue.Put(m_frames.data(), count, due);
-        return m_next < m_reader.FrameCount();
+        return true;
     }
 
     std::filesystem::path m_path;

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <chrono>
 #include <dlfcn.h>
+#include <mutex>
 #include <thread>
 #include <utility>
 
@@ -21,6 +22,7 @@ constexpr uint32_t BufferCount = 8;
 constexpr uint32_t UsualLatencyMilliseconds = 90;
 constexpr uint64_t StallMilliseconds = 5000; ///< a healthy card asks many times a second
 constexpr std::chrono::milliseconds CloseLimit{1500};
+constexpr std::chrono::milliseconds LookUpLimit{1500};
 
 void IgnoreAlsaError(const char* /*file*/, int /*line*/, const char* /*function*/, int /*code*/, const char* /*format*/,
                      ...)
@@ -173,6 +175,13 @@ void OnError(RtAudioError::Type, const std::string& text)
         t_current->Fail(text);
 }
 
+/// The library looks for devices with the help of static data, and each opening of a stream looks for them first.
+std::timed_mutex& LookUpMutex()
+{
+    static auto& mutex = *new std::timed_mutex; // also for threads that outlive main
+    return mutex;
+}
+
 /// Runs a step that may throw; the text of what it threw, else empty.
 template <typename Step>
 std::string FaultOf(Step&& step)
@@ -184,6 +193,14 @@ std::string FaultOf(Step&& step)
         const std::string text = fault.what();
         return text.empty() ? "unknown error" : text;
     }
+}
+
+/// The same of a step that looks for devices.
+template <typename Step>
+std::string FaultOfLookUp(Step&& step)
+{
+    const std::unique_lock lock(LookUpMutex(), LookUpLimit);
+    return lock ? FaultOf(step) : "the sound server does not answer";
 }
 
 } // namespace
@@ -200,7 +217,7 @@ RtStream::~RtStream()
 
 bool RtStream::Open(const std::string& device, const StreamWish& wish, std::string& trouble)
 {
-    const std::string fault = FaultOf([&] {
+    const std::string fault = FaultOfLookUp([&] {
         m_core->Audio = MakeAudio(m_system);
         const std::vector<Card> cards = m_core->Audio ? CardsOf(*m_core->Audio, m_forCapture) : std::vector<Card>();
         const Card* const card = FindCard(cards, device, m_forCapture);
@@ -293,7 +310,7 @@ std::string RtStream::Trouble() const
 std::vector<AudioDeviceInfo> ListCards(const std::string& system, bool forCapture)
 {
     std::vector<AudioDeviceInfo> list;
-    (void)FaultOf([&] {
+    (void)FaultOfLookUp([&] {
         if (const std::unique_ptr<RtAudio> audio = MakeAudio(system))
             for (const Card& card : CardsOf(*audio, forCapture))
                 list.push_back({system, card.Info.name, card.Channels(forCapture), card.IsDefault(forCapture)});

@@ -28,10 +28,6 @@ uint32_t CEffectEntryPoint::GetData(_SOUNDDATAEX_* sound)
         GoOn(held);
     const uint32_t given = std::min(CComplexEffect::GetData(sound), sound->FrameCount);
     m_position += given;
-    if (given < sound->FrameCount) {
-        m_input.Restart();
-        m_position = 0;
-    }
     return given;
 }
 

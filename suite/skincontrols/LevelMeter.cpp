@@ -118,6 +118,7 @@ void PaintLevelMeter(QPainter& painter, const QRect& place, std::span<const Mete
 CSCLevelMeter::CSCLevelMeter(QWidget* parent) : QWidget(parent)
 {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 QSize CSCLevelMeter::sizeHint() const
@@ -161,6 +162,7 @@ void CSCLevelMeter::SetPeaks(std::span<const float> peaks, double elapsedMillise
 void CSCLevelMeter::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
+    painter.fillRect(rect(), palette().window());
     PaintLevelMeter(painter, rect(), m_levels.Channels());
 }
 

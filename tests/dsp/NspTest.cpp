@@ -5,6 +5,8 @@
 #include <cmath>
 #include <complex>
 #include <gtest/gtest.h>
+#include <latch>
+#include <limits>
 #include <numbers>
 #include <random>
 #include <string>
@@ -227,8 +229,11 @@ TEST(NspTransformTest, ThreadsMayStartTheSameOrderTogether)
     const std::vector<float> signal = Noise(size_t{1} << Last);
     std::vector<std::vector<float>> results(8);
     std::vector<std::thread> threads;
+    threads.reserve(results.size());
+    std::latch start(static_cast<ptrdiff_t>(results.size()));
     for (std::vector<float>& result : results) {
         threads.emplace_back([&] {
+            start.arrive_and_wait();
             for (int32_t order = First; order <= Last; ++order) {
                 const size_t length = size_t{1} << order;
                 std::vector<float> spectrum(length + 2);
@@ -267,12 +272,12 @@ TEST(NspTransformDeathTest, WithoutMemoryItReportsThatAndWritesNothing)
 }
 
 /// A filter of any order whose poles lie well within the unit circle.
-std::vector<float> TapsOf(int32_t order)
+std::vector<float> TapsOf(size_t order)
 {
-    std::vector<float> taps = Noise(2 * static_cast<size_t>(order + 1), static_cast<uint32_t>(order));
-    for (int32_t k = 1; k <= order; ++k)
-        taps[static_cast<size_t>(order + 1 + k)] *= 0.8F / static_cast<float>(order);
-    taps[static_cast<size_t>(order + 1)] = 1;
+    std::vector<float> taps = Noise(2 * (order + 1), static_cast<uint32_t>(order));
+    for (size_t k = 1; k <= order; ++k)
+        taps[order + 1 + k] *= 0.8F / static_cast<float>(order);
+    taps[order + 1] = 1;
     return taps;
 }
 
@@ -280,7 +285,7 @@ class NspIirTest : public testing::TestWithParam<int32_t> {
 protected:
     NspIirTest() { nspsIirInit(1, m_taps.data(), GetParam(), &m_state); }
 
-    std::vector<float> m_taps = TapsOf(GetParam());
+    std::vector<float> m_taps = TapsOf(static_cast<size_t>(GetParam()));
     NspIirState m_state;
 };
 

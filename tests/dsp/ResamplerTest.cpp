@@ -93,7 +93,19 @@ TEST(LowPassTest, ChannelsAreFilteredApartAndHoweverTheyAreCut)
     EXPECT_EQ(filtered(1, 333), filtered(1, 500));
     EXPECT_NE(filtered(0, 1), filtered(1, 1));
     EXPECT_NEAR(filtered(2, 77).back(), 0.25F, 1e-5F) << "gain 1 at 0 Hz";
+}
+
+TEST(LowPassTest, ANewFormatStartsFromSilence)
+{
     CEffectBWLowPass filter;
+    filter.SetCutoff(1000);
+    for (const uint32_t rate : {44100U, 48000U}) {
+        filter.SetFormat(FormatOf(rate, 1));
+        SoundData sound(1, 1);
+        sound.Record().Channels[0][0] = 1;
+        filter.Process(sound.Record());
+        EXPECT_EQ(sound.Record().Channels[0][0], static_cast<float>(filter.Taps().b0)) << rate;
+    }
     _SOUNDDATAEX_ noChannels;
     noChannels.FrameCount = 5;
     EXPECT_EQ(filter.Process(noChannels), 1u);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "EditTest.h"
 #include "app/EkEditorApp.h"
+#include "support/CancelAt.h"
 
 #include <utility>
 
@@ -207,6 +208,23 @@ TEST_F(EditingTest, ADocumentWithoutSoundBecomesThePastedOne)
         ExpectSameSound(document.Store(), m_clip.Sound);
         ExpectSamePeaks(document.Store(), m_clip.Sound);
     }
+}
+
+TEST_F(EditingTest, ADocumentWithoutSoundStaysSoWhenThePasteIsCancelled)
+{
+    // The kept frames, of which there are none, then the pasted ones: more than fit into one file.
+    CopyAll(Noise(3, 2, TempFileList::LargestFile / 3).Sound, MakePcm16Format(44100, 2));
+    CWEDoc document;
+    Watcher watcher(document);
+    {
+        const CancelAt cancel(".eke", 3);
+        EXPECT_FALSE(document.Paste(m_start, m_end, ChannelAll));
+    }
+    EXPECT_FALSE(document.IsReady() || document.IsModified() || document.CanUndo());
+    EXPECT_TRUE(watcher.Take().empty());
+    EXPECT_TRUE(m_prompts.Messages().empty());
+    ASSERT_TRUE(document.Paste(m_start, m_end, ChannelAll));
+    EXPECT_EQ(document.FrameCount(), SoundClipboard().FrameCount);
 }
 
 TEST_F(EditingTest, AStoredUndoTakesBackAnEditInPlaceOrOneThatChangesTheLengthOfAChannel)

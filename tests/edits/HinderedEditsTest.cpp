@@ -249,8 +249,8 @@ TEST_P(HinderedEdit, IsDoneOrNotBegunWhereverItIsCancelled)
         EXPECT_EQ(m_prompts.Messages().size(), m_messages);
         ExpectDoneOrUntouched(done);
     };
-    for (int file = 1; file <= 6 && !HasFailure(); ++file) {
-        Prepare();
+    for (int file = 1; file <= 3 && !HasFailure(); ++file) {
+        Prepare(10);
         expectRight(CancelAt(".eke", file, CancelAt::Call::Write));
     }
     for (int nth = 1, reached = 1; reached != 0 && !HasFailure(); ++nth) {
@@ -259,7 +259,7 @@ TEST_P(HinderedEdit, IsDoneOrNotBegunWhereverItIsCancelled)
         expectRight(cancel);
         reached = cancel.IsReached();
     }
-    for (uint32_t seed = 1; seed <= 8 && !HasFailure(); ++seed) {
+    for (uint32_t seed = 1; seed <= 5 && !HasFailure(); ++seed) {
         Prepare(10);
         expectRight(CancelBetween(seed));
     }

@@ -180,6 +180,7 @@ TEST_F(StreamTest, ChangesInTheMiddleOfAStreamLoseNoFrameAndTakeEffectWithTheNex
     size_t begin = 0;
     const auto between = [&](const Sound& soFar) {
         const size_t end = soFar[0].size();
+        ASSERT_EQ(source.Pulled(), std::min(sound[0].size(), end + m_tree.Latency())) << done;
         for (; begin < end; ++begin)
             expected[begin] = sound[0][begin] * gain;
         if (done < std::size(changes) && end > (done + 1) * 2500) {
@@ -227,17 +228,35 @@ TEST_F(StreamTest, TheLimiterActsOnTheStreamThatIsOpenAndGoesWithIt)
 
 TEST_F(StreamTest, AnEffectOnItsOwnServesAsASource)
 {
-    CEffectNode* const node = AddTo(MakeChain({"gain"}), "late", 0.5F);
+    CEffectNode* const chain = MakeChain({});
+    AddTo(chain, "gain", -1);
+    CEffectNode* const node = AddTo(chain, "late", 0.5F);
     const Sound sound = Noise(13, 2, 3000);
     SoundSource source(sound);
     const WAVEFORMATEXTENSIBLE format = FloatFormat(2);
+    m_tree.SetSoundMorphEffect(chain->GetEffect());
     node->GetEffect()->SetPrev(&source);
     ASSERT_EQ(node->GetEffect()->OpenStream(&format), EffectSuccess);
     EXPECT_EQ(PullAll(*node->GetEffect(), 2), Scaled(sound, 0.5F));
     source.Seek(0);
-    m_tree.SetSoundMorphEffect(node->Parent()->GetEffect());
     ASSERT_EQ(Open(source, 2), EffectSuccess);
-    EXPECT_EQ(PullAll(m_stream, 2), Scaled(sound, 0.5F)) << "and then in its chain again";
+    bool isEnd = false;
+    EXPECT_EQ(PullBlock(m_stream, 1, 10, isEnd), Sound(1)) << "no room for the second channel";
+    EXPECT_EQ(PullAll(m_stream, 2), Scaled(sound, -0.5F)) << "and then in its chain again";
+}
+
+TEST_F(StreamTest, AnEffectInUseWithoutItsChainStaysInUseWhenTheChainIsEdited)
+{
+    CEffectNode* const chain = MakeChain({"later"});
+    CEffectNode* const node = AddTo(chain, "late", 0.5F);
+    ASSERT_EQ(m_tree.SetSoundMorphEffect(node->GetEffect()), EffectSuccess);
+    const Sound sound = Noise(16, 1, 5000);
+    SoundSource source(sound);
+    ASSERT_EQ(Open(source, 1), EffectSuccess);
+    const auto edit = [&](const Sound& soFar) {
+        soFar[0].size() % 2 ? m_tree.MoveUpNode(node) : m_tree.MoveDownNode(node);
+    };
+    EXPECT_EQ(PullAll(m_stream, 1, 17, 300, edit), Scaled(sound, 0.5F));
 }
 
 /// Run under a thread checker: blocks on one thread, changes of every kind on another.

@@ -106,6 +106,39 @@ TEST(WaveGeometry, FitSelectionCentresTheSelection)
     EXPECT_EQ(geometry.FirstVisibleFrame, 1'000'000u - 1000 - 1);
 }
 
+TEST(WaveGeometry, AShorterSoundTakesSelectionAndCursorToItsEnd)
+{
+    WaveGeometry geometry = Show(1000, 100);
+    geometry.SelectionStart = 400;
+    geometry.SelectionEnd = 900;
+    geometry.SetLength(600);
+    EXPECT_EQ(geometry.OrderedSelection(), std::pair(uint64_t{400}, uint64_t{600}));
+    EXPECT_EQ(geometry.CursorFrame, WaveGeometry::NoFrame);
+    geometry.CursorFrame = 500;
+    geometry.SetLength(300);
+    EXPECT_FALSE(geometry.HasSelection());
+    EXPECT_EQ(geometry.CursorFrame, 300u);
+}
+
+TEST(WaveGeometry, ADraggedSelectionReachesTheLastFrameAndNoFurther)
+{
+    WaveGeometry geometry = Show(1001, 1000, 0, 1);
+    geometry.BeginSelection(Left + 10);
+    geometry.DragSelection(Left + 5000);
+    EXPECT_EQ(geometry.SelectionEnd, 1000u) << "the panel's edge";
+    geometry.FirstVisibleFrame = 1;
+    geometry.DragSelection(Left + 5000);
+    EXPECT_EQ(geometry.SelectionEnd, 1001u);
+    geometry.DragSelection(-5000);
+    EXPECT_EQ(geometry.SelectionEnd, 1u);
+    geometry.OrderSelection();
+    EXPECT_EQ(geometry.OrderedSelection(), std::pair(geometry.SelectionStart, geometry.SelectionEnd));
+    EXPECT_EQ(geometry.CursorFrame, 1u);
+    geometry.ExtendSelection(Left + 2);
+    EXPECT_EQ(geometry.SelectionStart, 10u) << "the nearer end has moved";
+    EXPECT_EQ(geometry.SelectionEnd, 3u);
+}
+
 TEST(WaveGeometry, NothingMovesWithoutSoundOrRoom)
 {
     for (WaveGeometry geometry : {Show(0, 1000, 0, 4), Show(1000, 0, 0, 4)}) {

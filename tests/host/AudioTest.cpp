@@ -9,7 +9,9 @@
 #include "host/HostServices.h"
 #include "host/HostWindow.h"
 #include "host/SettingsStore.h"
+#include "host/TestTone.h"
 #include "host/TransportBar.h"
+#include "servicefuncs/Channels.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,11 +19,16 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QLabel>
-#include <QMenuBar>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QStatusBar>
 #include <QTest>
+
+#include <sndfile.h>
+
+#include <algorithm>
+#include <cmath>
 
 namespace ek {
 namespace {
@@ -61,19 +68,18 @@ protected:
     /// As the module does it when it gets the command to play.
     void Play()
     {
-        WAVEFORMATEXTENSIBLE format;
-        format.wFormatTag = WAVE_FORMAT_PCM;
-        format.nChannels = 2;
-        format.nSamplesPerSec = 44100;
-        format.wBitsPerSample = 16;
-        format.nBlockAlign = 4;
-        format.nAvgBytesPerSec = 4 * 44100;
+        Configure();
+        ASSERT_TRUE(m_player->Start());
+    }
+
+    void Configure()
+    {
+        const WAVEFORMATEXTENSIBLE format = MakePcm16Format(44100, 2);
         ASSERT_TRUE(m_player->Acquire(Owner));
         m_player->SetFormat(&format);
         m_player->SetBufferCount(5);
         m_player->SetBufferSize(4096);
         m_player->SetCallback(FillSilence, nullptr);
-        ASSERT_TRUE(m_player->Start());
     }
 
     void Announce(bool canPlay) { m_player->UpdateControls(Owner, canPlay); }
@@ -158,6 +164,22 @@ TEST_F(AudioTest, SeekingCarriesItsPercent)
 {
     EXPECT_TRUE(m_window->Audio().Send(TransportSeek, 37));
     EXPECT_THAT(m_module.Frame->Messages, ElementsAre(StubFrame::Message{EK_WM_COMMAND, TransportSeek, 37}));
+}
+
+TEST_F(AudioTest, ADeviceThatRefusesIsToldOnceWithoutADialog)
+{
+    m_window->Audio().Choose(
+        {.Output = {.System = "file", .Device = {}, .File = m_folder / "no/folder.wav"}, .InputDevice = {}});
+    Configure();
+    int told = 0;
+    QObject::connect(&m_window->Audio(), &HostAudio::Trouble, [&told] { ++told; });
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_FALSE(m_player->Start());
+        QCoreApplication::processEvents();
+    }
+    EXPECT_EQ(told, 1);
+    EXPECT_FALSE(m_window->statusBar()->currentMessage().isEmpty());
+    EXPECT_TRUE(m_window->findChildren<QMessageBox*>().isEmpty()) << "the module says that it cannot play";
 }
 
 TEST_F(AudioTest, RecordingWaitsForTheModulesLeave)
@@ -245,6 +267,38 @@ TEST_F(DeviceDialogTest, AnotherSystemStartsWithItsDefaultsAndCancellingChangesN
     EXPECT_EQ(m_dialog.findChild<QComboBox*>("output")->currentText(), "Gone (not connected)");
     Click(QDialogButtonBox::Cancel);
     EXPECT_THAT(m_chosen, IsEmpty());
+}
+
+TEST(TestToneTest, ASecondOfAQuietToneIsHeardAndNothingElse)
+{
+    const Scratch folder;
+    const std::filesystem::path file = folder / "tone.wav";
+    TestTone tone;
+    tone.Play({.System = "file", .Device = {}, .File = file});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(file); }));
+    SF_INFO info{};
+    SNDFILE* sound = sf_open(file.c_str(), SFM_READ, &info);
+    ASSERT_NE(sound, nullptr);
+    std::vector<float> samples(static_cast<size_t>(info.frames) * 2);
+    EXPECT_EQ(sf_readf_float(sound, samples.data(), info.frames), info.samplerate);
+    sf_close(sound);
+    int crossings = 0;
+    float loudest = 0;
+    for (size_t i = 2; i < samples.size(); ++i) {
+        loudest = std::max(loudest, std::abs(samples[i]));
+        crossings += i % 2 == 0 && samples[i - 2] < 0 && samples[i] >= 0;
+    }
+    EXPECT_NEAR(crossings, 440, 1);
+    EXPECT_NEAR(loudest, 0.1, 0.001);
+}
+
+TEST(TestToneTest, ADeviceThatCannotBeTriedSaysWhy)
+{
+    TestTone tone;
+    QString text;
+    QObject::connect(&tone, &TestTone::Failed, [&text](const QString& failure) { text = failure; });
+    tone.Play({.System = "file", .Device = {}, .File = "/dev/null/tone.wav"});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !text.isEmpty(); }));
 }
 
 TEST(AudioSettingsTest, AChoiceComesBackAndNonsenseIsTheDefault)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "host/HeardDisplay.h"
 #include "host/TransportActions.h"
 #include "host/TransportBar.h"
 #include "host/TransportKeys.h"
@@ -10,7 +11,6 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
@@ -240,9 +240,9 @@ TEST_F(TransportTest, TheSliderFollowsUnlessItIsDragged)
     Play(CHostAudioDevice::Running, 250);
     EXPECT_EQ(Slider().value(), 250);
     QTest::mousePress(&Slider(), Qt::LeftButton, {}, OnSlider(50));
-    EXPECT_EQ(Slider().sliderPosition(), 500) << "a press takes the handle along";
+    EXPECT_NEAR(Slider().sliderPosition(), 500, 3) << "a press takes the handle along";
     Play(CHostAudioDevice::Running, 300);
-    EXPECT_EQ(Slider().sliderPosition(), 500);
+    EXPECT_NEAR(Slider().sliderPosition(), 500, 3);
     QTest::mouseMove(&Slider(), OnSlider(80));
     QTest::mouseRelease(&Slider(), Qt::LeftButton, {}, OnSlider(80));
     EXPECT_EQ(m_seeks.back(), 80);
@@ -282,7 +282,7 @@ TEST_F(TransportTest, ADragDuringAPauseSeeksOnceAndOneThatStoppingEndsNever)
 TEST_F(TransportTest, TheTimeIsWhatWasHeard)
 {
     Show({.Device = CHostAudioDevice::Paused, .HeardMilliseconds = 3723004});
-    EXPECT_EQ(m_bar.findChild<QLabel*>()->text(), "1:02:03,004");
+    EXPECT_EQ(m_bar.findChild<HeardDisplay*>()->Text(), "1:02:03,004");
     EXPECT_EQ(HeardText(100ULL * 3600 * 1000 - 1), "99:59:59,999");
 }
 

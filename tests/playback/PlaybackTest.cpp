@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "PlaybackFixture.h"
 
+#include "effectmanager/ComplexEffect.h"
+#include "effectmanager/SimpleEffect.h"
 #include "support/FaultyFileCalls.h"
 
 #include <cerrno>
@@ -119,6 +121,90 @@ TEST_F(PlaybackTest, ThroughTheEffectsTheSoundIsTheSame)
     EXPECT_EQ(heard, m_sound.Values);
     HearEnd();
     EXPECT_FALSE(tree.IsStreamOpened());
+}
+
+/// Gives the sound late by some frames, or refuses it.
+class TestEffect final : public FrameProcessor {
+public:
+    static inline tEffError Refusal = EffectSuccess;
+    static constexpr uint32_t Late = 100;
+
+    static void UseIn(CEffectTree& tree)
+    {
+        struct Provider final : EffectProvider {
+            EffectFamily Family() const override { return EffectFamily::SpecialEffects; }
+            std::string FolderTitle() const override { return "Test"; }
+            std::vector<LibraryEffectPtr> Scan() override
+            {
+                return {std::make_shared<BuiltInEffect>(BuiltInEffect::Description{
+                    "test", "Test", {}, [] { return std::unique_ptr<EffectProcessor>(new TestEffect); }, {}})};
+            }
+        };
+        tree.AddProvider(std::make_unique<Provider>());
+        tree.ScanAllSpecialEffects();
+        auto* const chain = new CEffectNode("Chain", NodeComplex, std::make_unique<CComplexEffect>("Chain"));
+        auto effect = std::make_unique<CSimpleEffect>(tree.FindEffectByDllName("test"));
+        tree.TransferNode(chain, &tree.GetRootNode());
+        tree.TransferNode(new CEffectNode("Test", NodeSubEffect, std::move(effect)), chain);
+        tree.SetSoundMorphEffect(chain->GetEffect());
+    }
+
+    void SetSettings(const EffectSettings&) override {}
+    uint32_t Latency() const override { return Late; }
+
+private:
+    tEffError OpenFrames(const WAVEFORMATEXTENSIBLE&) override { return RestartFrames(), Refusal; }
+    void RestartFrames() override { m_held.assign(Late, 0.0F); }
+    void Process(float* const* channels, uint32_t frames) override
+    {
+        m_held.insert(m_held.end(), channels[0], channels[0] + frames);
+        std::copy_n(m_held.begin(), frames, channels[0]);
+        m_held.erase(m_held.begin(), m_held.begin() + frames);
+    }
+
+    std::vector<float> m_held;
+};
+
+TEST_F(PlaybackTest, EffectsThatHoldFramesBackChangeNeitherTheirPlaceNorTheCursor)
+{
+    CEffectTree tree("Effects");
+    TestEffect::Refusal = EffectSuccess;
+    TestEffect::UseIn(tree);
+    Make(1, &m_player, &tree);
+    m_playback->Play();
+    EXPECT_EQ(m_player.Pull(1000, Now), Frames(0, 1000));
+    EXPECT_GE(tree.Latency(), TestEffect::Late);
+    EXPECT_EQ(m_player.Pull(1000, Now + 1000), Frames(1000, 2000));
+    m_player.Pull(1000, Now + 2000);
+    Now += 1500;
+    m_playback->Tick();
+    EXPECT_EQ(m_view.CursorFrame, 1500U);
+    m_playback->SeekToPercent(80);
+    EXPECT_EQ(m_player.Pull(1000, Now), Frames(8000, 9000)); // nothing of before the jump
+    EXPECT_EQ(m_player.Pull(2000, Now + 1000), Frames(9000, Length));
+    m_playback.reset(); // before the tree
+}
+
+TEST_F(PlaybackTest, EffectsThatRefuseTheSoundAreSwitchedOffAndItPlaysWithoutThem)
+{
+    const std::pair<tEffError, const char*> refusals[] = {
+        {EffectMonoOrStereoOnly, "Selected effect(s) can be used with mono or stereo sound only"},
+        {EffectStereoOnly, "Selected effect(s) can be used with stereo sound only"},
+        {EffectFailed, "Can't start playing with selected effect(s)"},
+    };
+    for (const auto& [refusal, text] : refusals) {
+        CEffectTree tree("Effects");
+        TestEffect::Refusal = refusal;
+        TestEffect::UseIn(tree);
+        Make(1, &m_player, &tree);
+        m_playback->Play();
+        EXPECT_EQ(m_prompts.Messages().back(), text);
+        EXPECT_EQ(tree.GetSoundMorphEffect(), nullptr);
+        EXPECT_TRUE(tree.IsStreamOpened());
+        EXPECT_EQ(m_player.Pull(Length + 1), m_sound.Values);
+        m_playback.reset();
+    }
+    EXPECT_EQ(m_prompts.Messages().size(), 3U);
 }
 
 // Pause, jumps, stop.

@@ -168,6 +168,28 @@ TEST_F(StoreTest, RoomInTheMiddleOfAFileSplitsItWhereItIsTooLongForOne)
     EXPECT_EQ(store.TempFiles().size(), 2U); // a short file takes the room in
 }
 
+TEST_F(StoreTest, WhatIsCutGoesAlongAndWhatFitsIsJoined)
+{
+    const auto layout = [](const CWaveData& store) {
+        std::vector<std::pair<uint64_t, uint64_t>> files;
+        for (const TempFileEntry& entry : store.TempFiles())
+            files.emplace_back(entry.Start, entry.Length);
+        return files;
+    };
+    using Layout = std::vector<std::pair<uint64_t, uint64_t>>;
+    CWaveData store;
+    SoundModel model{1, MakeNoise(1, 1000000)};
+    Fill(store, model);
+    EXPECT_EQ(layout(store), (Layout{{0, Page}, {Page, 279680}}));
+    ASSERT_TRUE(store.InsertSpace(200, 200, 1000));
+    model.Insert(100, std::vector<int16_t>(500));
+    EXPECT_EQ(layout(store), (Layout{{0, 200}, {200, Page}, {Page + 200, 280480}}));
+    ASSERT_TRUE(store.RemoveData(100, 300));
+    model.Remove(50, 150);
+    EXPECT_EQ(layout(store), (Layout{{0, Page}, {Page, 280480}}));
+    ExpectSameSound(store, model);
+}
+
 TEST_F(StoreTest, RoomMayLieAnywhereInTheRangeThatIsOverwritten)
 {
     CWaveData store;

@@ -94,6 +94,17 @@ TEST_F(Editing, DeletingOneChannelKeepsLengthAndSelection)
     EXPECT_EQ(SampleAt(m_start, 1), static_cast<int>(m_start) + 1);
 }
 
+TEST_F(Editing, TheOnlyChannelOfASoundIsAllOfIt)
+{
+    Select(1, 0.5, 100, 200);
+    Run(ID_EDIT_COPY);
+    Drag(At(300, 0.5), At(500, 0.5));
+    Run(ID_EDIT_PASTE);
+    EXPECT_EQ(Sound.FrameCount(), 40'000u - 800u) << "800 frames in the place of 1600";
+    EXPECT_EQ(SampleAt(2400 + 800), 4000);
+    EXPECT_EQ(Selection(), Frames(2400, 3200));
+}
+
 TEST_F(Editing, TheKeysOfTheViewRunTheirCommands)
 {
     Select(1, 0.5, 100, 200);
@@ -175,14 +186,17 @@ TEST_F(Editing, TheMenuOfTheLanesHasALineForEachChannel)
         if (names.empty())
             continue;
         for (int line = 0; line < names.size(); ++line) {
-            QAction* action = menu->actions()[6 + line];
-            if (!action->isEnabled())
-                continue; // the layout of this sound has no such channel
-            action->trigger();
+            menu->actions()[6 + line]->trigger();
             EXPECT_EQ(QString::fromStdString(GetChannelName(Geometry().SelectionChannel)).replace("Centre", "Center"),
                       names[line]);
         }
     }
+    Load(
+        1000, 4, [](uint64_t, uint32_t) { return 0; }, 0x107); // front left, right, centre, back centre
+    Sound.Notify({.What = DocumentChange::Kind::Reset});
+    const QMenu* menu = MenuAt(At(5, 0.5));
+    EXPECT_TRUE(menu->actions()[7]->isEnabled());
+    EXPECT_FALSE(menu->actions()[8]->isEnabled()) << "there is no back left";
     for (const uint32_t channels : {3u, 7u}) {
         Load(1000, channels);
         Sound.Notify({.What = DocumentChange::Kind::Reset});

@@ -243,29 +243,40 @@ private:
     std::function<void()> m_run;
 };
 
-TEST_F(PlayingView, WhileWorkRunsNothingIsEditedOrPlayed)
+TEST_F(PlayingView, WhileWorkRunsNothingIsEditedOrPlayedOrRead)
 {
     Load(20'000, 1);
     Show();
     Run(ID_SELECT_ALL);
-    bool wasRun = false;
+    const uint32_t columns = Sound.Columns().ColumnCount();
+    int timesRun = 0;
     InTheMiddle presenter([&] {
-        wasRun = true;
+        ++timesRun;
+        EXPECT_FALSE(IsPlaying());
         Command(ID_TRANSPORT_PLAY);
         EXPECT_FALSE(IsPlaying());
         EXPECT_FALSE(View.OnCmdMsg(ID_DELETE, CN_COMMAND, nullptr));
         QTest::keyClick(&View, Qt::Key_Delete);
-        View.resize(WindowWidth + 60, 500);
+        View.resize(WindowWidth / 4, 500);
         View.grab();
+        EXPECT_EQ(Sound.Columns().ColumnCount(), columns);
     });
     Run(ID_EDIT_COPY);
-    EXPECT_TRUE(wasRun);
+    EXPECT_EQ(timesRun, 1);
     EXPECT_EQ(Sound.FrameCount(), 20'000u);
     EXPECT_EQ(SoundClipboard().FrameCount, 20'000u);
     SoundClipboard().Free();
     Fire("Blink");
-    EXPECT_EQ(Sound.Columns().ColumnCount(), static_cast<uint32_t>((20'000 - 1) / Geometry().FramesPerPixel + 1))
+    EXPECT_EQ(Sound.Columns().ColumnCount(), static_cast<uint32_t>(Geometry().WavePanelWidth))
         << "what the new size shows is read when the work has ended";
+
+    View.resize(WindowWidth, 500);
+    ASSERT_EQ(Sound.Columns().ColumnCount(), columns);
+    Command(ID_TRANSPORT_PLAY);
+    ASSERT_TRUE(IsPlaying());
+    Run(ID_DELETE); // stops before it begins
+    EXPECT_GT(timesRun, 1);
+    EXPECT_EQ(Sound.FrameCount(), 0u);
 }
 
 } // namespace

@@ -41,16 +41,16 @@ protected:
     /// The value of every sample follows from its frame and channel.
     void Load(
         uint64_t frames, uint32_t channels,
-        const std::function<int(uint64_t, uint32_t)>& value = [](uint64_t frame, uint32_t) {
-            return static_cast<int>(frame * 7919 % 50'000) - 25'000;
-        })
+        const std::function<int(uint64_t, uint32_t)>& value =
+            [](uint64_t frame, uint32_t) { return static_cast<int>(frame * 7919 % 50'000) - 25'000; },
+        uint32_t channelMask = 0)
     {
         std::vector<int16_t> samples;
         for (uint64_t i = 0; i < frames * channels; ++i)
             samples.push_back(static_cast<int16_t>(value(i / channels, static_cast<uint32_t>(i % channels))));
         const uint64_t bytes = samples.size() * sizeof(int16_t);
         Sound.DeleteContents();
-        ASSERT_TRUE(Sound.SetFormat(MakePcm16Format(44100, channels), nullptr));
+        ASSERT_TRUE(Sound.SetFormat(MakePcm16Format(44100, channels, channelMask), nullptr));
         ASSERT_TRUE(Sound.Store().InsertSpace(0, 0, bytes));
         ASSERT_TRUE(Sound.Store().WriteData(samples.data(), 0, bytes));
         ASSERT_TRUE(Sound.Store().BuildPeakCache());

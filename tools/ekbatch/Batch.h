@@ -4,6 +4,7 @@
 #include "ConsolePrompts.h"
 #include "Script.h"
 #include "app/EkEditorApp.h"
+#include "devices/AudioDevices.h"
 #include "waveedit/WEDoc.h"
 #include "waveview/WaveGeometry.h"
 
@@ -53,6 +54,9 @@ private:
 
     Outcome Play(const Words& words, std::string& error);
 
+    Outcome PlayInto(const OpenSound& sound, const std::string& name, std::string& error);
+    Outcome Perform(const OpenSound& sound, const AudioDeviceChoice& device, const std::string& name,
+                    std::string& error);
     Outcome ReadTime(const OpenSound& sound, const std::string& word, uint64_t& frame, std::string& error);
     Outcome ReadChannel(const OpenSound& sound, const std::string& word, ChannelCode& code, std::string& error);
     Outcome SelectTimes(OpenSound& sound, const Words& words, ChannelCode code, std::string& error);

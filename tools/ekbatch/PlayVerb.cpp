@@ -4,6 +4,8 @@
 
 #include "devices/HostPlayer.h"
 #include "platform/Events.h"
+#include "platform/SaveTarget.h"
+#include "platform/TempFile.h"
 #include "waveview/WavePlayback.h"
 
 #include <chrono>
@@ -90,22 +92,51 @@ Batch::Outcome Batch::Play(const Words& words, std::string& error)
     const OpenSound* sound = Current(error);
     if (!sound)
         return Outcome::Failed;
-    AudioDeviceChoice device;
-    if (words.size() > 1) {
-        device.System = "file";
-        device.File = AbsolutePath(words[1]);
-        if (device.File.empty())
-            return Fail(error, "there is no file \"" + words[1] + "\" to play into");
-    }
     if (sound->Document->FrameCount() == 0)
         return Fail(error, "the sound is empty");
-    Performance performance(*sound->Document, sound->View, device);
+    return words.size() > 1 ? PlayInto(*sound, words[1], error) : Perform(*sound, {}, {}, error);
+}
+
+/// Only a sound that was played to its end takes the place of what stands there.
+Batch::Outcome Batch::PlayInto(const OpenSound& sound, const std::string& name, std::string& error)
+{
+    const std::filesystem::path path = AbsolutePath(name);
+    if (path.empty())
+        return Fail(error, "there is no file \"" + name + "\" to play into");
+    const std::filesystem::path target = FollowLinks(path);
+    if (const IoStatus status = MayReplace(target); !status.Ok())
+        return Fail(error, "Can't write " + name + ": " + status.Text());
+    AudioDeviceChoice device;
+    device.System = "file";
+    device.File = MakeTempFileName("ekplay", ".wav", target.parent_path());
+    Outcome outcome = Perform(sound, device, name, error);
+    if (outcome == Outcome::Done) {
+        if (const IoStatus status = RenameOver(device.File, target); !status.Ok())
+            outcome = Fail(error, "Can't write " + name + ": " + status.Text());
+    }
+    if (outcome != Outcome::Done && IsFile(device.File)) {
+        if (const IoStatus status = RemoveFile(device.File); !status.Ok())
+            error += "\nCan't remove " + device.File.string() + ": " + status.Text();
+    }
+    return outcome;
+}
+
+/// `name` is what the user calls the device's file.
+Batch::Outcome Batch::Perform(const OpenSound& sound, const AudioDeviceChoice& device, const std::string& name,
+                              std::string& error)
+{
+    Performance performance(*sound.Document, sound.View, device);
     const Performance::End end = performance.Run();
-    if (const std::string trouble = performance.Trouble(); !trouble.empty())
+    std::string trouble = performance.Trouble();
+    const std::string file = device.File.string();
+    if (const size_t at = file.empty() ? std::string::npos : trouble.find(file); at != std::string::npos)
+        trouble.replace(at, file.size(), name);
+    if (!trouble.empty())
         m_prompts.ShowMessage(trouble, MessageButtons::Ok, MessageIcon::Error);
     if (end == Performance::End::Interrupted)
         return Fail(error, "interrupted");
-    return end == Performance::End::Heard ? Outcome::Done : Fail(error, "the sound was not played to its end");
+    const bool isComplete = end == Performance::End::Heard && (file.empty() || trouble.empty());
+    return isComplete ? Outcome::Done : Fail(error, "the sound was not played to its end");
 }
 
 } // namespace ek

@@ -14,6 +14,7 @@ namespace ek {
 namespace {
 
 constexpr int SideMargin = 16; // beside the longest name
+constexpr int LineMargin = 6;  // above and below the letters, together
 constexpr int SmallestWidth = 120;
 
 /// Where a window of that size lies at a button: below, else above, and within the screen.
@@ -33,8 +34,12 @@ QListWidget* MakeList(const std::vector<std::string>& names, QWidget* parent)
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list->setMouseTracking(true);
-    for (const std::string& name : names)
-        list->addItem(QString::fromStdString(name));
+    list->setFrameStyle(QFrame::Box | QFrame::Plain);
+    for (const std::string& name : names) {
+        auto* line = new QListWidgetItem(QString::fromStdString(name), list);
+        line->setSizeHint(
+            {list->fontMetrics().horizontalAdvance(line->text()), list->fontMetrics().height() + LineMargin});
+    }
     return list;
 }
 

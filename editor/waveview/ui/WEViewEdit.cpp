@@ -13,37 +13,32 @@ namespace ek {
 
 namespace {
 
+constexpr struct {
+    uint32_t Command;
+    ChannelCode Channel;
+} SelectionCommands[] = {
+    {ID_SELECT_ALL, ChannelAll},
+    {ID_SELECT_LEFT, ChannelLeft},
+    {ID_SELECT_RIGHT, ChannelRight},
+    {ID_SELECT_FRONT_LEFT, ChannelFrontLeft},
+    {ID_SELECT_FRONT_RIGHT, ChannelFrontRight},
+    {ID_SELECT_FRONT_CENTER, ChannelFrontCentre},
+    {ID_SELECT_BACK_LEFT, ChannelBackLeft},
+    {ID_SELECT_BACK_RIGHT, ChannelBackRight},
+    {ID_SELECT_BACK_CENTER, ChannelBackCentre},
+    {ID_SELECT_SIDE_LEFT, ChannelSideLeft},
+    {ID_SELECT_SIDE_RIGHT, ChannelSideRight},
+    {ID_SELECT_LOW_FREQUENCY, ChannelLowFrequency},
+};
+
 /// The channel that a selection command names; none for any other command.
 std::optional<ChannelCode> ChannelOfCommand(uint32_t id)
 {
-    switch (id) {
-    case ID_SELECT_ALL:
-        return ChannelAll;
-    case ID_SELECT_LEFT:
-        return ChannelLeft;
-    case ID_SELECT_RIGHT:
-        return ChannelRight;
-    case ID_SELECT_FRONT_LEFT:
-        return ChannelFrontLeft;
-    case ID_SELECT_FRONT_RIGHT:
-        return ChannelFrontRight;
-    case ID_SELECT_FRONT_CENTER:
-        return ChannelFrontCentre;
-    case ID_SELECT_BACK_LEFT:
-        return ChannelBackLeft;
-    case ID_SELECT_BACK_RIGHT:
-        return ChannelBackRight;
-    case ID_SELECT_BACK_CENTER:
-        return ChannelBackCentre;
-    case ID_SELECT_SIDE_LEFT:
-        return ChannelSideLeft;
-    case ID_SELECT_SIDE_RIGHT:
-        return ChannelSideRight;
-    case ID_SELECT_LOW_FREQUENCY:
-        return ChannelLowFrequency;
-    default:
-        return std::nullopt;
+    for (const auto& entry : SelectionCommands) {
+        if (entry.Command == id)
+            return entry.Channel;
     }
+    return std::nullopt;
 }
 
 bool HoldsChannel(const WAVEFORMATEXTENSIBLE& format, ChannelCode code)

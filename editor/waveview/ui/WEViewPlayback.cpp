@@ -37,35 +37,22 @@ void CWEView::OnHostMessage(MessageEvent& message)
 
 void CWEView::RunTransport(uint32_t id, intptr_t parameter)
 {
+    static constexpr struct {
+        uint32_t Id;
+        void (WavePlayback::*Run)();
+    } actions[] = {{ID_TRANSPORT_START, &WavePlayback::JumpToStart}, {ID_TRANSPORT_BACK, &WavePlayback::JumpBack},
+                   {ID_TRANSPORT_PLAY, &WavePlayback::Play},         {ID_TRANSPORT_PAUSE, &WavePlayback::PauseOrResume},
+                   {ID_TRANSPORT_STOP, &WavePlayback::Stop},         {ID_TRANSPORT_FORWARD, &WavePlayback::JumpForward},
+                   {ID_TRANSPORT_END, &WavePlayback::JumpToEnd}};
     EndDrag();
-    switch (id) {
-    case ID_TRANSPORT_START:
-        m_playback.JumpToStart();
-        break;
-    case ID_TRANSPORT_BACK:
-        m_playback.JumpBack();
-        break;
-    case ID_TRANSPORT_PLAY:
-        m_playback.Play();
-        break;
-    case ID_TRANSPORT_PAUSE:
-        m_playback.PauseOrResume();
-        break;
-    case ID_TRANSPORT_STOP:
-        m_playback.Stop();
-        break;
-    case ID_TRANSPORT_FORWARD:
-        m_playback.JumpForward();
-        break;
-    case ID_TRANSPORT_END:
-        m_playback.JumpToEnd();
-        break;
-    case ID_TRANSPORT_POSITION:
-        m_playback.SeekToPercent(static_cast<uint32_t>(std::clamp<intptr_t>(parameter, 0, 100)));
-        break;
-    default:
-        break;
+    for (const auto& action : actions) {
+        if (action.Id == id)
+            (m_playback.*action.Run)();
     }
+    if (id == ID_TRANSPORT_POSITION)
+        m_playback.SeekToPercent(static_cast<uint32_t>(std::clamp<intptr_t>(parameter, 0, 100)));
+    if (id != ID_TRANSPORT_STOP && m_geometry.EnsureCursorVisible(false)) // a jump while paused
+        ApplyScroll();
 }
 
 /// Unless another module has taken the player meanwhile: then it is not ours to stop.

@@ -1,0 +1,502 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "Fakes.h"
+
+#include "servicefuncs/Channels.h"
+#include "support/FaultyFileCalls.h"
+#include "support/Signals.h"
+#include "support/TestFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace ek {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr uint32_t Rate = 44100;
+
+class PlayerTest : public testing::Test {
+protected:
+    PlayerTest()
+    {
+        m_player.SetListener(&m_told);
+        m_player.Choose({"cards"});
+    }
+
+    void SetUpFor(FakeModule& module, uint32_t blockFrames = 1024, uint32_t blocks = 5)
+    {
+        const WAVEFORMATEXTENSIBLE format = MakePcm16Format(Rate, module.Channels);
+        m_player.SetFormat(&format);
+        m_player.SetBufferCount(blocks);
+        m_player.SetBufferSize(blockFrames * format.nBlockAlign);
+        m_player.SetCallback(&FakeModule::Callback, &module);
+    }
+
+    /// The values of the module's frames [start, end), of a sound that repeats.
+    static std::vector<int16_t> Sound(const FakeModule& module, uint64_t start, uint64_t end)
+    {
+        std::vector<int16_t> values;
+        for (uint64_t frame = start; frame < end; ++frame)
+            for (uint32_t channel = 0; channel < module.Channels; ++channel)
+                values.push_back(module.Value(frame % module.Frames, channel));
+        return values;
+    }
+
+    static std::vector<int16_t> WithoutSilence(const std::vector<float>& values)
+    {
+        std::vector<int16_t> heard;
+        for (const float value : values)
+            if (value != 0)
+                heard.push_back(static_cast<int16_t>(std::lround(value * 32768)));
+        return heard;
+    }
+
+    /// Takes from the card until so many values of sound have come.
+    static std::vector<int16_t> PullSound(FakeCard& card, size_t values, uint32_t step = 512)
+    {
+        std::vector<int16_t> heard;
+        while (heard.size() < values) {
+            const std::vector<int16_t> more = WithoutSilence(card.Pull(step));
+            heard.insert(heard.end(), more.begin(), more.end());
+        }
+        return heard;
+    }
+
+    static std::vector<int16_t> WavValues(const std::filesystem::path& path)
+    {
+        constexpr size_t HeadBytes = 12 + 36 + 24 + 8; // with the place for long sizes, and a short format
+        const std::vector<char> bytes = ReadBytes(path);
+        if (bytes.size() < HeadBytes || std::memcmp(bytes.data() + HeadBytes - 8, "data", 4) != 0)
+            return {};
+        std::vector<int16_t> values((bytes.size() - HeadBytes) / 2);
+        std::memcpy(values.data(), bytes.data() + HeadBytes, values.size() * 2);
+        return values;
+    }
+
+    TestFolder m_folder;
+    FakeBackend m_backend;
+    Told m_told;
+    HostPlayer m_player{m_backend};
+};
+
+/// What holds for each kind of device: a system, and how its sound is brought to its end.
+struct DeviceKind {
+    const char* System;
+    void (*PlayOut)(FakeBackend& backend, FakeCard* card, FakeModule& module);
+};
+
+class EveryDevice : public PlayerTest, public testing::WithParamInterface<DeviceKind> {};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, EveryDevice,
+                         testing::Values(DeviceKind{"null",
+                                                    [](FakeBackend& backend, FakeCard*, FakeModule& module) {
+                                                        while (!module.Ended.IsSet())
+                                                            backend.Clock->Advance(10000);
+                                                    }},
+                                         DeviceKind{"file", [](FakeBackend&, FakeCard*,
+                                                               FakeModule& module) { module.Ended.Wait(); }},
+                                         DeviceKind{"cards",
+                                                    [](FakeBackend&, FakeCard* card, FakeModule& module) {
+                                                        while (!module.Ended.IsSet() && card->IsStarted())
+                                                            card->Pull(700);
+                                                        module.Ended.Wait();
+                                                    }}),
+                         [](const auto& kind) { return std::string(kind.param.System); });
+
+TEST_P(EveryDevice, PlaysASoundToItsEndAndSaysSoOnce)
+{
+    for (const uint64_t frames : {0, 1, 1023, 1024, 5 * 1024, 9999}) {
+        SCOPED_TRACE(frames);
+        FakeModule module(2, frames);
+        FakeCard* const card =
+            GetParam().System == std::string("cards") ? &m_backend.AddCard({Rate, 2, 700}, 900) : nullptr;
+        m_player.Choose({GetParam().System, {}, 0, m_folder / "out.wav"});
+        SetUpFor(module);
+        ASSERT_TRUE(m_player.Start());
+        EXPECT_EQ(m_player.GetState(), CHostPlayer::Running);
+        GetParam().PlayOut(m_backend, card, module);
+        EXPECT_EQ(m_player.GetState(), CHostPlayer::Stopped);
+        EXPECT_EQ(module.StateAtEnd, CHostPlayer::Stopped);
+        m_player.Watch();
+        EXPECT_EQ(m_player.HeardMilliseconds(), frames * 1000 / Rate);
+        m_player.Stop();
+        EXPECT_EQ(module.Notices, 1U);
+        EXPECT_EQ(module.Next, frames);
+        EXPECT_THAT(m_told.Take(), testing::Each("controls"));
+    }
+}
+
+TEST_P(EveryDevice, StopsAtAnyPointWithoutANotice)
+{
+    FakeModule module(1, 200);
+    m_player.SetLoop(true);
+    m_player.Choose({GetParam().System, {}, 0, m_folder / "out.wav"});
+    SetUpFor(module, 64);
+    for (uint32_t i = 0; i < 20; ++i) {
+        m_backend.AddCard({Rate, 2, 100});
+        ASSERT_TRUE(m_player.Start());
+        if (i % 2 == 0)
+            m_player.Pause();
+        m_player.Stop();
+        const size_t requests = module.RequestCount();
+        EXPECT_EQ(m_player.GetState(), CHostPlayer::Stopped);
+        m_player.Pause();
+        m_player.Stop();
+        EXPECT_EQ(module.RequestCount(), requests);
+    }
+    EXPECT_EQ(module.Notices, 0U);
+}
+
+TEST_F(PlayerTest, FileHoldsTheSamplesExactly)
+{
+    for (const uint32_t block : {1U, 100U, 1024U, 5000U}) {
+        for (const uint64_t frames : {1ULL, 1023ULL, 1024ULL, 20001ULL}) {
+            SCOPED_TRACE(testing::Message() << frames << " in blocks of " << block);
+            FakeModule module(2, frames);
+            m_player.Choose({"file", {}, 0, m_folder / "exact.wav"});
+            SetUpFor(module, block);
+            ASSERT_TRUE(m_player.Start());
+            module.Ended.Wait();
+            EXPECT_EQ(WavValues(m_folder / "exact.wav"), Sound(module, 0, frames));
+        }
+    }
+    EXPECT_EQ(m_folder.EntryCount(), 1U);
+}
+
+TEST_F(PlayerTest, FileGoesOnThroughPausesLoopsAndRestarts)
+{
+    FakeModule module(2, 3000);
+    m_player.SetLoop(true);
+    m_player.Choose({"file", {}, 0, m_folder / "loop.wav"});
+    SetUpFor(module);
+    ASSERT_TRUE(m_player.Start());
+    module.WaitForRequests(10);
+    for (int i = 0; i < 5; ++i) {
+        m_player.Pause();
+        EXPECT_EQ(m_player.GetState(), CHostPlayer::Paused);
+        m_player.Pause();
+    }
+    module.WaitForRequests(30);
+    m_player.SetLoop(false);
+    module.Ended.Wait();
+    const std::vector<int16_t> looped = WavValues(m_folder / "loop.wav");
+    EXPECT_EQ(looped.size() % (3000 * 2), 0U);
+    EXPECT_EQ(looped, Sound(module, 0, looped.size() / 2));
+
+    // A module that resumes after a pause starts anew from its cursor: that must not throw the first part away.
+    FakeModule parts(2, 2048);
+    SetUpFor(parts, 1024, 1);
+    ASSERT_TRUE(m_player.Start());
+    m_player.Pause();
+    parts.Next = 0;
+    m_player.Pause();
+    ASSERT_TRUE(m_player.Start());
+    parts.Ended.Wait();
+    const std::vector<int16_t> both = WavValues(m_folder / "loop.wav");
+    const std::vector<int16_t> whole = Sound(parts, 0, 2048);
+    ASSERT_GE(both.size(), whole.size());
+    EXPECT_TRUE(std::equal(whole.rbegin(), whole.rend(), both.rbegin()));
+}
+
+TEST_F(PlayerTest, FileIsAllOrNothingAndItsErrorsAreTold)
+{
+    FakeModule probe(2, 20000);
+    m_player.Choose({"file", {}, 0, m_folder / "kept.wav"});
+    FaultyFileCalls calls(m_folder.Path(), FaultyFileCalls::Opens | FaultyFileCalls::Writes | FaultyFileCalls::Syncs |
+                                               FaultyFileCalls::Closes | FaultyFileCalls::Renames);
+    for (uint64_t nth = 1;; ++nth) {
+        SCOPED_TRACE(testing::Message() << "fault " << nth);
+        WriteTextFile(m_folder / "kept.wav", "old");
+        FakeModule module(2, 20000);
+        SetUpFor(module);
+        m_told.Take();
+        calls.FailCall(nth, ENOSPC);
+        const bool started = m_player.Start() != 0;
+        if (started)
+            module.Ended.Wait();
+        m_player.Stop();
+        const bool failed = calls.HasFailed();
+        calls.StopFailing();
+        if (!failed) {
+            EXPECT_EQ(WavValues(m_folder / "kept.wav").size(), 40000U);
+            EXPECT_GT(nth, 8U);
+            break;
+        }
+        EXPECT_THAT(m_told.Take(), Contains(HasSubstr("kept.wav: No space left on device")));
+        EXPECT_EQ(m_folder.EntryCount(), 1U);
+        const std::string content = ReadTextFile(m_folder / "kept.wav");
+        EXPECT_TRUE(content == "old" || WavValues(m_folder / "kept.wav").size() == 40000U);
+        EXPECT_EQ(module.Notices, started ? 1U : 0U);
+    }
+}
+
+TEST_F(PlayerTest, AnyNumberOfFramesPerCallGivesTheSameSound)
+{
+    constexpr uint64_t Frames = 60000;
+    FakeModule module(2, Frames);
+    FakeCard& card = m_backend.AddCard({Rate, 2, 0});
+    SetUpFor(module, 1000, 3);
+    ASSERT_TRUE(m_player.Start());
+    std::vector<int16_t> heard;
+    const std::vector<uint32_t> sizes = {1, 7, 333, 1000, 3001, 20000, 2, 5000};
+    for (size_t i = 0; !module.Ended.IsSet() && heard.size() < Frames * 2; ++i) {
+        const std::vector<int16_t> more = WithoutSilence(card.Pull(sizes[i % sizes.size()]));
+        heard.insert(heard.end(), more.begin(), more.end());
+    }
+    EXPECT_EQ(heard, Sound(module, 0, Frames));
+    EXPECT_GT(m_player.TakePeaks()[1], 0.9F);
+    EXPECT_EQ(m_player.TakePeaks()[1], 0.0F);
+}
+
+TEST_F(PlayerTest, BlocksThatComeTooLateAreCounted)
+{
+    FakeModule module(1, 1000000);
+    FakeCard& card = m_backend.AddCard({Rate, 2, 0});
+    SetUpFor(module);
+    ASSERT_TRUE(m_player.Start());
+    PullSound(card, 2, 1);
+    EXPECT_EQ(m_player.DropoutCount(), 0U);
+    card.Pull(300000); // more than anyone keeps ready
+    EXPECT_EQ(m_player.DropoutCount(), 1U);
+}
+
+TEST_F(PlayerTest, StampsTellWhenABlockIsHeard)
+{
+    constexpr uint32_t Latency = 4410; // 100 ms
+    FakeModule module(1, 1000000);
+    FakeCard& card = m_backend.AddCard({Rate, 1, 441}, Latency);
+    SetUpFor(module, 441, 5); // 10 ms each
+    const auto start = static_cast<uint32_t>(m_backend.NowMicroseconds() / 1000);
+    ASSERT_TRUE(m_player.Start());
+    module.WaitForRequests(5);
+    EXPECT_THAT(module.TakeStamps(), ElementsAre(start + 100, start + 110, start + 120, start + 130, start + 140));
+    PullSound(card, 1, 1); // the first frame goes when the ring is full
+    PullSound(card, 440, 440);
+    module.WaitForRequests(6);
+    EXPECT_EQ(module.TakeStamps()[5], start + 140); // from now on in the ring: 4 blocks
+
+    m_player.Pause();
+    m_backend.Clock->Advance(1000000);
+    EXPECT_THAT(WithoutSilence(card.Pull(441)), IsEmpty());
+    EXPECT_EQ(module.RequestCount(), 6U);
+    m_player.Pause();
+    PullSound(card, 441, 441);
+    module.WaitForRequests(7);
+    EXPECT_EQ(module.TakeStamps()[6], start + 1000 + 140);
+    EXPECT_EQ(m_player.HeardMilliseconds(), 10U); // what was taken before the pause went out during it
+}
+
+TEST_F(PlayerTest, ALostCardIsReplacedWhereItWasHeardLast)
+{
+    constexpr uint32_t Latency = 300;
+    FakeModule module(2, 20000);
+    FakeCard& first = m_backend.AddCard({Rate, 2, 256}, Latency);
+    FakeCard& second = m_backend.AddCard({Rate, 2, 256});
+    SetUpFor(module);
+    m_player.Acquire(u"Module");
+    ASSERT_TRUE(m_player.Start());
+    const std::vector<int16_t> heard = PullSound(first, 2 * 5000);
+    first.Unplug();
+    m_told.Take();
+    m_player.Watch();
+    EXPECT_THAT(m_told.Take(), ElementsAre("Unplugged. Playing goes on with Fake.", "reconfigured"));
+    const std::vector<int16_t> rest = PullSound(second, 2 * (20000 - heard.size() / 2 + Latency));
+    EXPECT_EQ(rest, Sound(module, heard.size() / 2 - Latency, 20000));
+
+    // Without another card time goes on in silence, until there is a card again.
+    FakeModule longer(2, 1000000);
+    SetUpFor(longer);
+    FakeCard& third = m_backend.AddCard({Rate, 2, 256});
+    ASSERT_TRUE(m_player.Start());
+    const size_t frames = PullSound(third, 2 * 3000).size() / 2;
+    third.Unplug();
+    m_player.Watch();
+    EXPECT_EQ(m_player.DeviceName(), "No sound");
+    EXPECT_EQ(m_player.GetState(), CHostPlayer::Running);
+    const uint64_t before = m_player.HeardMilliseconds();
+    EXPECT_EQ(before, frames * 1000 / Rate);
+    while (m_player.HeardMilliseconds() < before + 1000)
+        m_backend.Clock->Advance(10000);
+    FakeCard& fourth = m_backend.AddCard({Rate, 2, 256});
+    m_player.Watch();
+    EXPECT_EQ(m_player.DeviceName(), "Fake");
+    EXPECT_GE(PullSound(fourth, 2)[0], longer.Value(frames + Rate, 0));
+
+    // The default device has become another one.
+    m_backend.Moved = true;
+    FakeCard& fifth = m_backend.AddCard({48000, 1, 100});
+    m_backend.Clock->Advance(1000000);
+    m_player.Watch();
+    PullSound(fifth, 1);
+}
+
+TEST_F(PlayerTest, ARefusingDeviceIsTold)
+{
+    FakeModule module(2, 5000);
+    SetUpFor(module);
+    EXPECT_FALSE(m_player.Start());
+    m_backend.AddCard({Rate, 2, 256}).Refuses = true;
+    EXPECT_FALSE(m_player.Start());
+    EXPECT_THAT(m_told.Take(), ElementsAre("No card.", "Busy."));
+    EXPECT_EQ(m_player.GetState(), CHostPlayer::Stopped);
+    EXPECT_EQ(module.RequestCount(), 0U);
+
+    WAVEFORMATEXTENSIBLE wrong = MakePcm16Format(Rate, 2);
+    wrong.nBlockAlign = 0;
+    m_player.SetFormat(&wrong);
+    EXPECT_FALSE(m_player.Start());
+    wrong.nChannels = 9;
+    wrong.nBlockAlign = 18;
+    m_player.SetFormat(&wrong);
+    EXPECT_FALSE(m_player.Start());
+    m_player.SetCallback(nullptr, nullptr);
+    EXPECT_FALSE(m_player.Start());
+    EXPECT_THAT(m_told.Take(), testing::SizeIs(3));
+}
+
+TEST_F(PlayerTest, ANewStartDropsWhatIsQueuedAndKeepsTheDevice)
+{
+    FakeModule module(2, 1000000);
+    FakeCard& card = m_backend.AddCard({Rate, 2, 256});
+    SetUpFor(module);
+    ASSERT_TRUE(m_player.Start());
+    PullSound(card, 2 * 256, 256);
+    FakeModule other(2, 600);
+    other.Next = 500;
+    m_player.SetCallback(&FakeModule::Callback, &other);
+    m_player.Pause();
+    ASSERT_TRUE(m_player.Start());
+    EXPECT_EQ(m_player.GetState(), CHostPlayer::Running);
+    EXPECT_EQ(PullSound(card, 200, 50), Sound(other, 500, 600));
+    while (card.IsStarted())
+        card.Pull(50);
+    EXPECT_EQ(m_player.HeardMilliseconds(), 2U);
+    EXPECT_EQ(module.Notices, 0U);
+}
+
+TEST_F(PlayerTest, ASoundOfAnotherRateKeepsItsLengthAndPitch)
+{
+    constexpr uint64_t Frames = 44100;
+    const auto sine = [](CHostAudioDevice*, void* request, void* user) -> uint32_t {
+        _SOUNDDATAEX_& sound = *static_cast<PlayRequest*>(request)->Sound;
+        uint64_t& next = *static_cast<uint64_t*>(user);
+        uint32_t done = 0;
+        for (; sound.Request && done < sound.FrameCount && next < Frames; ++done, ++next)
+            sound.Channels[0][done] = static_cast<float>(0.5 * std::sin(2 * M_PI * 1000 * next / Rate));
+        return done;
+    };
+    uint64_t next = 0;
+    FakeCard& card = m_backend.AddCard({48000, 2, 480});
+    const WAVEFORMATEXTENSIBLE mono = MakePcm16Format(Rate, 1);
+    m_player.SetFormat(&mono);
+    m_player.SetCallback(sine, &next);
+    ASSERT_TRUE(m_player.Start());
+    std::vector<float> left;
+    while (m_player.GetState() == CHostPlayer::Running && card.IsStarted()) {
+        const std::vector<float> pulled = card.Pull(480);
+        for (size_t i = 0; i < pulled.size(); i += 2) {
+            ASSERT_EQ(pulled[i], pulled[i + 1]); // mono on both sides
+            if (!left.empty() || pulled[i] != 0)
+                left.push_back(pulled[i]);
+        }
+        if (left.size() >= 48000)
+            break;
+    }
+    ASSERT_GE(left.size(), 47000U);
+    const auto peak = std::max_element(left.begin() + 1000, left.begin() + 1048) - left.begin();
+    for (size_t i = 2000; i < 30000; ++i)
+        ASSERT_NEAR(left[i], 0.5 * std::cos(2 * M_PI * 1000 * (static_cast<double>(i) - peak) / 48000), 0.002);
+}
+
+TEST_F(PlayerTest, OneModuleOwnsThePlayerAtATime)
+{
+    EXPECT_EQ(m_player.GetOwner(), nullptr);
+    EXPECT_TRUE(m_player.Acquire(u"One"));
+    EXPECT_THAT(m_told.Take(), ElementsAre("granted", "controls"));
+    EXPECT_TRUE(m_player.Acquire(u"One"));
+    EXPECT_FALSE(m_player.Acquire(u"Two"));
+    m_player.Release(u"Two");
+    EXPECT_EQ(std::u16string(m_player.GetOwner()), u"One");
+    EXPECT_THAT(m_told.Take(), IsEmpty());
+    m_player.Release(u"One");
+    EXPECT_EQ(m_player.GetOwner(), nullptr);
+    EXPECT_TRUE(m_player.Acquire(u"Two"));
+    m_player.UpdateControls(u"Two", 1);
+    EXPECT_TRUE(m_player.CanPlay());
+    EXPECT_THAT(m_told.Take(), ElementsAre("controls", "granted", "controls", "controls"));
+    m_player.SetProgress(m_player.GetProgressRange() + 5);
+    EXPECT_EQ(m_player.Progress(), m_player.GetProgressRange());
+}
+
+TEST_F(PlayerTest, WhatIsSetWhilePlayingHoldsFromTheNextStart)
+{
+    FakeModule stereo(2, 100000);
+    FakeModule mono(1, 100);
+    FakeCard& first = m_backend.AddCard({Rate, 2, 256});
+    SetUpFor(stereo);
+    ASSERT_TRUE(m_player.Start());
+    SetUpFor(mono, 10, 2);
+    EXPECT_EQ(m_player.GetFormat()->nChannels, 1);
+    EXPECT_EQ(m_player.GetBufferCount(), 2U);
+    EXPECT_EQ(m_player.GetBufferSize(), 20U);
+    EXPECT_EQ(PullSound(first, 2 * 20000, 500).size() % 1000, 0U);
+    EXPECT_EQ(mono.RequestCount(), 0U);
+    FakeCard& second = m_backend.AddCard({Rate, 2, 256});
+    ASSERT_TRUE(m_player.Start());
+    EXPECT_EQ(PullSound(second, 200, 50).size(), 200U);
+    EXPECT_EQ(stereo.Notices, 0U);
+}
+
+TEST_F(PlayerTest, CallsThatComeThickAndFastDoNoHarm)
+{
+    HostPlayer player; // with a device that runs by itself
+    FakeModule module(2, 700);
+    player.SetListener(&m_told);
+    const WAVEFORMATEXTENSIBLE format = MakePcm16Format(Rate, 2);
+    player.SetFormat(&format);
+    player.SetBufferSize(64);
+    player.SetCallback(&FakeModule::Callback, &module);
+    uint32_t state = 1;
+    for (int i = 0; i < 600; ++i) {
+        state = state * 1664525 + 1013904223;
+        switch (state >> 29) {
+        case 0:
+        case 1:
+            EXPECT_TRUE(player.Start());
+            break;
+        case 2:
+            player.Stop();
+            break;
+        case 3:
+        case 4:
+            player.Pause();
+            break;
+        case 5:
+            player.Choose(i % 2 ? AudioDeviceChoice{"null"} : AudioDeviceChoice{"file", {}, 0, m_folder / "x.wav"});
+            break;
+        case 6:
+            player.SetLoop(i % 3 != 0);
+            break;
+        default:
+            player.Watch();
+            player.TakePeaks();
+            player.HeardMilliseconds();
+        }
+    }
+    player.Stop();
+    EXPECT_THAT(m_told.Take(), testing::Each("controls"));
+    EXPECT_TRUE(player.Start()); // and is destroyed while it plays
+}
+
+} // namespace
+} // namespace ek
