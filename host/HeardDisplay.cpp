@@ -8,7 +8,7 @@ namespace ek {
 
 namespace {
 
-constexpr uint64_t LongestTime = 99 * 3600 * 1000; ///< that there is room for
+constexpr uint64_t LongestTime = 99ULL * 3600 * 1000; ///< that there is room for
 constexpr int Margin = 8;
 
 } // namespace

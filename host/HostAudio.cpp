@@ -39,10 +39,6 @@ void HostAudio::Choose(const AudioChoice& choice)
     m_toldTrouble.clear();
     m_player.Choose(choice.Output);
     m_recorder.Choose(choice.Input());
-    if (!m_wasPlaying)
-        m_watch.stop();
-    else if (!m_watch.isActive())
-        m_watch.start();
     emit StateChanged();
 }
 
@@ -111,11 +107,11 @@ void HostAudio::TakeControls()
     m_wasPlaying = IsPlaying();
     if (hasStarted)
         m_toldTrouble.clear();
+    emit StateChanged();
     if (!m_wasPlaying)
         m_watch.stop();
     else if (!m_watch.isActive())
         m_watch.start();
-    emit StateChanged();
 }
 
 void HostAudio::OnDeviceTrouble(const std::string& text)

@@ -13,6 +13,8 @@
 #include <QMenu>
 #include <QMessageBox>
 
+#include <utility>
+
 namespace ek {
 
 namespace {

@@ -6,6 +6,9 @@
 #include <QAction>
 #include <QMenu>
 
+#include <utility>
+#include <vector>
+
 /// The linker takes a resource out of a static library only when it is asked for, and from outside any namespace.
 static void InitTransportIcons()
 {

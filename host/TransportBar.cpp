@@ -11,6 +11,8 @@
 #include <QMenu>
 #include <QToolButton>
 
+#include <algorithm>
+
 namespace ek {
 
 namespace {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/FileCalls.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -87,15 +86,10 @@ void* FileCalls::MMap(size_t length, int descriptor)
     return ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
 }
 
-void* FileCalls::MMapForReading(size_t length, int descriptor, off_t position)
+void* FileCalls::MMapForReading(void* place, size_t length, int descriptor, off_t position)
 {
-    void* const address = ::mmap(nullptr, length, PROT_READ, MAP_SHARED, descriptor, position);
-    if (address == MAP_FAILED || ::madvise(address, length, MADV_POPULATE_READ) == 0)
-        return address;
-    const int error = errno;
-    ::munmap(address, length);
-    errno = error;
-    return MAP_FAILED;
+    void* const address = ::mmap(place, length, PROT_READ, MAP_SHARED | MAP_FIXED, descriptor, position);
+    return address != MAP_FAILED && ::madvise(address, length, MADV_POPULATE_READ) == 0 ? address : MAP_FAILED;
 }
 
 int FileCalls::MUnmap(void* address, size_t length)

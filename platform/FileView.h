@@ -8,23 +8,25 @@
 
 namespace ek {
 
-/// A part of a file mapped for reading: what is read once goes without the copy that File::ReadAt makes. All of it has
-/// been read when Map returns, so that a disk that fails is an error there and not a signal on access.
+/// Parts of files mapped for reading: what is read once goes without the copy that File::ReadAt makes. A part has been
+/// read when Map returns, so that a disk that fails is an error there and not a signal on access. All parts are
+/// unmapped at once at the end: unmapping interrupts every thread of the program, however much it is.
 class FileView {
 public:
-    FileView() = default;
-    ~FileView(); ///< unmaps
+    /// Room for so many bytes, with what rounding each part to whole pages takes. Nothing is in memory yet.
+    explicit FileView(uint64_t capacity);
+    ~FileView();
     FileView(const FileView&) = delete;
     FileView& operator=(const FileView&) = delete;
 
-    /// Once. The file has the part. Also fails where a file cannot be mapped at all; reading may succeed then.
-    IoStatus Map(const File& file, uint64_t position, uint64_t length);
-    const uint8_t* Data() const { return m_data; } ///< of the position
+    /// The bytes of a part that the file has; null when it cannot be mapped, the room is used up, or the disk fails:
+    /// reading it will do, or say why not.
+    const uint8_t* Map(const File& file, uint64_t position, uint64_t length);
 
 private:
-    void* m_address = nullptr;
-    size_t m_mapped = 0;
-    const uint8_t* m_data = nullptr;
+    uint8_t* m_room = nullptr;
+    size_t m_capacity;
+    size_t m_used = 0; ///< whole pages
 };
 
 } // namespace ek

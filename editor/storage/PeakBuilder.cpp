@@ -19,6 +19,9 @@ constexpr uint64_t BufferBytes = 245760;
 /// What a thread takes at once: several files, so that few are mapped twice, and a small part of a long sound.
 constexpr uint64_t SpanBytes = 4 * TempFileList::LargestFile;
 
+/// For the files of a span, which are few.
+constexpr uint64_t RoomForRounding = uint64_t{1} << 20;
+
 /// A shorter range is not worth a second thread.
 constexpr uint64_t ParallelBytes = 4 * BufferBytes;
 
@@ -51,23 +54,24 @@ bool PeakBuilder::EnterByReading(uint64_t start, uint64_t end)
 }
 
 /// Frames that lie in one file. What cannot be mapped is read, which also says what is wrong with it.
-bool PeakBuilder::EnterPart(const TempFileEntry& file, uint64_t frame, uint64_t frames)
+bool PeakBuilder::EnterPart(FileView& view, const TempFileEntry& file, uint64_t frame, uint64_t frames)
 {
-    FileView view;
-    if (!view.Map(file.Handle, frame * m_blockAlign - file.Start, frames * m_blockAlign).Ok())
+    const uint8_t* const bytes = view.Map(file.Handle, frame * m_blockAlign - file.Start, frames * m_blockAlign);
+    if (!bytes)
         return EnterByReading(frame, frame + frames);
-    m_peaks.Enter(reinterpret_cast<const int16_t*>(view.Data()), frame, frames, m_onlyChannel);
+    m_peaks.Enter(reinterpret_cast<const int16_t*>(bytes), frame, frames, m_onlyChannel);
     return true;
 }
 
 bool PeakBuilder::EnterSpan(uint64_t start, uint64_t end)
 {
+    FileView view((end - start) * m_blockAlign + RoomForRounding);
     for (uint64_t frame = start; frame < end;) {
         const TempFileEntry* const file = m_files.FileAt(frame * m_blockAlign);
         if (!file || file->End() % m_blockAlign != 0)
             return EnterByReading(RoundDownToBlock(frame), end);
         const uint64_t partEnd = std::min(end, file->End() / m_blockAlign);
-        if (!EnterPart(*file, frame, partEnd - frame))
+        if (!EnterPart(view, *file, frame, partEnd - frame))
             return false;
         frame = partEnd;
     }

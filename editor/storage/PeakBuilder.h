@@ -11,6 +11,8 @@
 
 namespace ek {
 
+class FileView;
+
 /// Computes entries of a peak cache from the temporary files of a store, on as many threads as help, behind a
 /// progress that cannot be cancelled.
 class PeakBuilder {
@@ -27,7 +29,7 @@ private:
     std::future<bool> StartHelper(CProgressDlg& progress);
     bool EnterSpans(CProgressDlg& progress);
     bool EnterSpan(uint64_t start, uint64_t end);
-    bool EnterPart(const TempFileEntry& file, uint64_t frame, uint64_t frames);
+    bool EnterPart(FileView& view, const TempFileEntry& file, uint64_t frame, uint64_t frames);
     bool EnterByReading(uint64_t start, uint64_t end);
 
     TempFileList& m_files;

@@ -13,7 +13,7 @@ struct AudioDeviceChoice {
     /// "auto": the first of pulse, jack and alsa that has a device, else null. "null": a device that takes its time and
     /// makes no sound. "file": sound goes into File as fast as it comes.
     std::string System = "auto";
-    std::string Device;               ///< a name from ListAudioDevices; empty: the system's default, which is followed
+    std::string Device = {};          ///< a name from ListAudioDevices; empty: the system's default, which is followed
     uint32_t LatencyMilliseconds = 0; ///< what the sound card is asked to hold; 0: what the system prefers
     std::filesystem::path File = {};
 

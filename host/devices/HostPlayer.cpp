@@ -77,12 +77,12 @@ struct HostPlayer::Impl {
 /// Opens the chosen device and begins; without one the sound does not start.
 bool HostPlayer::Impl::Begin()
 {
-    const PlaySetup setup = Setup();
-    std::string trouble = setup.Callback ? Shape.Fault() : "There is nothing to play.";
+    std::string trouble = Callback ? Shape.Fault() : "There is nothing to play.";
     if (!trouble.empty()) {
         Trouble(trouble);
         return false;
     }
+    const PlaySetup setup = Setup();
     State = Running;
     if (Play.CanRestart(setup)) {
         Play.Restart(setup);

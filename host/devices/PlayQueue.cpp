@@ -94,9 +94,9 @@ void PlayQueue::Write(const float* frames, uint32_t count)
     m_ring.Write(frames, count);
 }
 
-void PlayQueue::SetPrimed()
+bool PlayQueue::SetPrimed()
 {
-    m_primed.store(true, std::memory_order_release);
+    return !m_primed.exchange(true, std::memory_order_acq_rel);
 }
 
 void PlayQueue::SetEnd(uint32_t tailFrames)

@@ -33,7 +33,7 @@ public:
     bool HasRoomForBlock() const;
     void Write(const float* frames,
                uint32_t count);       ///< no more than a block of the constructor's, after HasRoomForBlock
-    void SetPrimed();                 ///< there is enough for the device to begin
+    bool SetPrimed();                 ///< there is enough for the device to begin; false: it was told before
     void SetEnd(uint32_t tailFrames); ///< nothing will follow; signals when so many more were taken
     /// Forgets the frames that are not taken yet, and the end; frames from the position that is returned on are new.
     uint64_t Restart();

@@ -144,6 +144,7 @@ void Playback::ForgetBlocks()
     m_unsent = 0;
     m_asked = 0;
     m_soundStart = 0;
+    m_heardMost = 0;
     m_soundOver = false;
     m_endSent = false;
 }
@@ -152,9 +153,9 @@ void Playback::Pump()
 {
     while (!m_quit) {
         if (m_device->HasFailed() && !m_device->IsReplaceable())
-            return Finish(true);
+            return Finish();
         if (m_endSent && m_queue->IsHeard())
-            return Finish(false);
+            return Finish();
         if (!m_endSent && !m_queue->IsPaused() && m_queue->HasRoomForBlock()) {
             if (m_unsent == m_blocks.size() && !m_soundOver)
                 Ask();
@@ -165,8 +166,8 @@ void Playback::Pump()
             m_device->OnQueueChanged();
             continue;
         }
-        if (!m_queue->HasRoomForBlock())
-            m_queue->SetPrimed();
+        if (!m_queue->HasRoomForBlock() && m_queue->SetPrimed())
+            m_device->OnQueueChanged();
         m_queue->Pump().Wait();
     }
 }
@@ -240,9 +241,11 @@ _SOUNDDATAEX_ Playback::RecordOf(Block& block, uint32_t offset) const
     return sound;
 }
 
-void Playback::Finish(bool failed)
+void Playback::Finish()
 {
     m_device->Stop();
+    // Asked now: the last frames may have been taken and then have failed.
+    const bool failed = m_device->HasFailed() && !m_device->IsReplaceable();
     std::string trouble = failed ? m_device->Trouble() : std::string();
     if (failed || !m_device->Finish(trouble))
         m_events.OnTrouble(trouble);
@@ -268,7 +271,12 @@ uint64_t Playback::HeardFrames() const
     const uint64_t position = m_queue->Heard(m_device->LatencyFrames());
     const uint64_t frames = position > m_queueStart ? position - m_queueStart : 0;
     const double perCardFrame = static_cast<double>(m_setup.Wish.Sound.nSamplesPerSec) / m_queue->Rate();
-    return m_soundStart + static_cast<uint64_t>(static_cast<double>(frames) * perCardFrame);
+    const uint64_t heard = m_soundStart + static_cast<uint64_t>(static_cast<double>(frames) * perCardFrame);
+    // During a pause the card plays out what it holds; after it, that much is in the card again, but is new.
+    uint64_t before = m_heardMost.load(std::memory_order_relaxed);
+    while (before < heard && !m_heardMost.compare_exchange_weak(before, heard, std::memory_order_relaxed)) {
+    }
+    return std::max(before, heard);
 }
 
 uint64_t Playback::HeardMilliseconds() const

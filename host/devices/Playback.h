@@ -84,7 +84,7 @@ private:
     void TrimBlocks();
     Block TakeSpare();
     _SOUNDDATAEX_ RecordOf(Block& block, uint32_t offset) const;
-    void Finish(bool failed);
+    void Finish();
     uint32_t StampMilliseconds() const;
 
     uint64_t HeardFrames() const; ///< of the sound
@@ -102,9 +102,10 @@ private:
     uint64_t m_asked = 0;     ///< frames of the sound so far
     bool m_soundOver = false; ///< the module has no more
     bool m_endSent = false;
-    uint64_t m_queueStart = 0;   ///< position in the queue of
-    uint64_t m_soundStart = 0;   ///< this frame of the sound
-    uint64_t m_pastDropouts = 0; ///< of devices used before
+    uint64_t m_queueStart = 0;                    ///< position in the queue of
+    uint64_t m_soundStart = 0;                    ///< this frame of the sound
+    uint64_t m_pastDropouts = 0;                  ///< of devices used before
+    mutable std::atomic<uint64_t> m_heardMost{0}; ///< frames of the sound
     std::atomic<bool> m_ended = false;
     std::atomic<bool> m_quit = false;
     bool m_paused = false;

@@ -211,6 +211,11 @@ private:
 class FakeModule {
 public:
     FakeModule(uint32_t channels, uint64_t frames) : Channels(channels), Frames(frames) {}
+    ~FakeModule()
+    {
+        if (Player)
+            Player->Stop();
+    }
 
     int16_t Value(uint64_t frame, uint32_t channel) const
     {
@@ -248,6 +253,11 @@ public:
         std::unique_lock lock(m_mutex);
         Asked.wait(lock, [&] { return Stamps.size() >= count; });
     }
+    void GoTo(uint64_t frame)
+    {
+        const std::lock_guard lock(m_mutex);
+        Next = frame;
+    }
     size_t RequestCount()
     {
         const std::lock_guard lock(m_mutex);
@@ -259,6 +269,7 @@ public:
         return Stamps;
     }
 
+    HostPlayer* Player = nullptr; ///< that is stopped before the module goes
     uint32_t Channels;
     uint64_t Frames;
     uint64_t Next = 0;

@@ -33,7 +33,6 @@
 namespace ek {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

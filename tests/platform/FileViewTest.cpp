@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace ek {
 namespace {
@@ -28,31 +30,33 @@ protected:
     std::string m_content = std::string(20000, ' ');
 };
 
-TEST_F(FileViewTest, ShowsAnyPartAsItWasLastWritten)
+TEST_F(FileViewTest, ShowsAnyPartsAsTheyWereLastWritten)
 {
+    FileView view(200000);
+    std::vector<std::pair<uint64_t, const uint8_t*>> parts;
     for (const uint64_t position : {0U, 1U, 4095U, 4096U, 12345U}) {
-        FileView view;
-        ASSERT_TRUE(view.Map(m_file, position, m_content.size() - position).Ok());
-        EXPECT_EQ(std::memcmp(view.Data(), m_content.data() + position, m_content.size() - position), 0);
-        m_content[position] ^= 1;
-        ASSERT_TRUE(m_file.WriteAt(&m_content[position], 1, position).Ok());
-        EXPECT_EQ(view.Data()[0], static_cast<uint8_t>(m_content[position]));
+        parts.emplace_back(position, view.Map(m_file, position, m_content.size() - position));
+        ASSERT_NE(parts.back().second, nullptr);
     }
+    m_content.back() ^= 1;
+    ASSERT_TRUE(m_file.WriteAt(m_content.data(), m_content.size(), 0).Ok());
+    for (const auto& [position, bytes] : parts)
+        EXPECT_EQ(std::memcmp(bytes, m_content.data() + position, m_content.size() - position), 0);
 }
 
-TEST_F(FileViewTest, SaysWhatCannotBeReadWhenItIsMapped)
+TEST_F(FileViewTest, RefusesWhatCannotBeReadAndWhatHasNoRoom)
 {
-    FileView refused;
-    {
-        FaultyFileCalls calls;
-        File file;
-        ASSERT_TRUE(file.Open(m_folder / "file", File::Access::Read).Ok());
-        calls.FailFrom(1, EIO);
-        EXPECT_EQ(refused.Map(file, 0, 100).Errno(), EIO);
-        EXPECT_EQ(refused.Data(), nullptr);
-    }
-    FileView beyond; // pages that lie behind the end of the file cannot be there
-    EXPECT_FALSE(beyond.Map(m_file, 0, 40000).Ok());
+    FileView view(60000);
+    FaultyFileCalls calls("file", FaultyFileCalls::Mappings);
+    File file;
+    ASSERT_TRUE(file.Open(m_folder / "file", File::Access::Read).Ok());
+    calls.FailCall(1, EIO);
+    EXPECT_EQ(view.Map(file, 0, 100), nullptr);
+    EXPECT_EQ(view.Map(file, 0, 40000), nullptr); // pages behind the end of the file cannot be there
+    EXPECT_EQ(view.Map(file, 0, 20000), nullptr);
+    const uint8_t* const bytes = view.Map(file, 8000, 100);
+    ASSERT_NE(bytes, nullptr);
+    EXPECT_EQ(std::memcmp(bytes, m_content.data() + 8000, 100), 0);
 }
 
 TEST_F(FileViewTest, AFileWhoseSpaceIsFreedLaterIsGoneAtOnce)
