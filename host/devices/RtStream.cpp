@@ -9,6 +9,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <dlfcn.h>
 #include <mutex>
 #include <thread>
@@ -175,12 +176,45 @@ void OnError(RtAudioError::Type, const std::string& text)
         t_current->Fail(text);
 }
 
-/// The library looks for devices with the help of static data, and each opening of a stream looks for them first.
-std::timed_mutex& LookUpMutex()
-{
-    static auto& mutex = *new std::timed_mutex; // also for threads that outlive main
-    return mutex;
-}
+/// The library looks for devices with the help of static data, and each opening of a stream looks for them first: that
+/// is done by one at a time. A server that hangs keeps its turn; the others then give up after a while.
+class LookUpTurn {
+public:
+    LookUpTurn()
+    {
+        Shared& shared = All();
+        std::unique_lock lock(shared.Mutex);
+        m_isMine = shared.Changed.wait_for(lock, LookUpLimit, [&] { return !shared.IsTaken; });
+        if (m_isMine)
+            shared.IsTaken = true;
+    }
+    ~LookUpTurn()
+    {
+        if (!m_isMine)
+            return;
+        const std::lock_guard lock(All().Mutex);
+        All().IsTaken = false;
+        All().Changed.notify_one();
+    }
+    LookUpTurn(const LookUpTurn&) = delete;
+    LookUpTurn& operator=(const LookUpTurn&) = delete;
+
+    bool IsMine() const { return m_isMine; }
+
+private:
+    struct Shared {
+        std::mutex Mutex;
+        std::condition_variable Changed;
+        bool IsTaken = false;
+    };
+    static Shared& All()
+    {
+        static auto& shared = *new Shared; // also for threads that outlive main
+        return shared;
+    }
+
+    bool m_isMine = false;
+};
 
 /// Runs a step that may throw; the text of what it threw, else empty.
 template <typename Step>
@@ -199,8 +233,8 @@ std::string FaultOf(Step&& step)
 template <typename Step>
 std::string FaultOfLookUp(Step&& step)
 {
-    const std::unique_lock lock(LookUpMutex(), LookUpLimit);
-    return lock ? FaultOf(step) : "the sound server does not answer";
+    const LookUpTurn turn;
+    return turn.IsMine() ? FaultOf(step) : "the sound server does not answer";
 }
 
 } // namespace
