@@ -27,7 +27,11 @@ PlayQueue::PlayQueue(uint32_t rate, uint32_t channels, uint32_t blockFrames, uin
 uint32_t PlayQueue::ReadSound(float* frames, uint32_t count)
 {
     m_ring.SkipTo(m_dropBefore.load(std::memory_order_acquire));
-    return IsPaused() || !m_primed.load(std::memory_order_acquire) ? 0 : m_ring.Read(frames, count);
+    if (IsPaused() || !m_primed.load(std::memory_order_acquire) || m_ring.Filled() == 0)
+        return 0;
+    // Before the frames count as taken, so that nobody takes the silence before them for one that followed.
+    m_silence.store(0, std::memory_order_release);
+    return m_ring.Read(frames, count);
 }
 
 void PlayQueue::Fill(float* frames, uint32_t count, int64_t nowMicroseconds)
@@ -41,14 +45,14 @@ void PlayQueue::Fill(float* frames, uint32_t count, int64_t nowMicroseconds)
     if (count > m_largestTake.load(std::memory_order_relaxed))
         m_largestTake.store(std::min(count, MostPerTake), std::memory_order_relaxed);
     MeasurePeaks(frames, taken);
-    PublishTimes(taken, count - taken, nowMicroseconds);
+    PublishTimes(count - taken, nowMicroseconds);
 }
 
 uint32_t PlayQueue::Take(float* frames, uint32_t count, int64_t nowMicroseconds)
 {
     const uint32_t taken = ReadSound(frames, count);
     MeasurePeaks(frames, taken);
-    PublishTimes(taken, 0, nowMicroseconds);
+    PublishTimes(0, nowMicroseconds);
     return taken;
 }
 
@@ -65,10 +69,9 @@ void PlayQueue::MeasurePeaks(const float* frames, uint32_t count)
     }
 }
 
-void PlayQueue::PublishTimes(uint32_t taken, uint32_t silent, int64_t nowMicroseconds)
+void PlayQueue::PublishTimes(uint32_t silent, int64_t nowMicroseconds)
 {
-    const uint64_t before = taken > 0 ? 0 : m_silence.load(std::memory_order_relaxed);
-    m_silence.store(before + silent, std::memory_order_release);
+    m_silence.fetch_add(silent, std::memory_order_release);
     m_zeroTime.store(nowMicroseconds - Microseconds(m_ring.WasRead(), m_rate), std::memory_order_release);
     if (HasRoomForBlock() || m_ended.load(std::memory_order_acquire))
         m_pump.Signal();
@@ -126,9 +129,9 @@ int64_t PlayQueue::NextTakenMicroseconds() const
 
 uint64_t PlayQueue::Heard(uint32_t latencyFrames) const
 {
+    const uint64_t taken = Taken(); // first: see ReadSound
     const uint64_t silence = m_silence.load(std::memory_order_acquire);
     const uint64_t inCard = latencyFrames > silence ? latencyFrames - silence : 0;
-    const uint64_t taken = Taken();
     return taken > inCard ? taken - inCard : 0;
 }
 

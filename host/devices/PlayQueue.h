@@ -54,7 +54,7 @@ public:
 private:
     uint32_t ReadSound(float* frames, uint32_t count);
     void MeasurePeaks(const float* frames, uint32_t count);
-    void PublishTimes(uint32_t taken, uint32_t silent, int64_t nowMicroseconds);
+    void PublishTimes(uint32_t silent, int64_t nowMicroseconds);
     uint32_t TargetFrames() const;
 
     FrameRing m_ring;

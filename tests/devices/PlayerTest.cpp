@@ -377,6 +377,7 @@ TEST_F(PlayerTest, ANewStartDropsWhatIsQueuedAndKeepsTheDevice)
     PullSound(card, 2 * 256, 256);
     FakeModule other(2, 600);
     other.Next = 500;
+    other.Player = &m_player;
     m_player.SetCallback(&FakeModule::Callback, &other);
     m_player.Pause();
     ASSERT_TRUE(m_player.Start());
@@ -499,7 +500,8 @@ TEST_F(PlayerTest, CallsThatComeThickAndFastDoNoHarm)
         }
     }
     player.Stop();
-    EXPECT_THAT(m_told.Take(), testing::Each("controls"));
+    for (const std::string& line : m_told.Take())
+        EXPECT_EQ(line, "controls");
     EXPECT_TRUE(player.Start()); // and is destroyed while it plays
 }
 
