@@ -23,7 +23,7 @@ struct Figure {
 constexpr Figure Figures[] = {{"memory", MeasureMemory},   {"window", MeasureWindow},  {"open", MeasureOpen},
                               {"save", MeasureSave},       {"peaks", MeasurePeaks},    {"edits", MeasureEdits},
                               {"space", MeasureTempSpace}, {"long", MeasureLongSound}, {"columns", MeasureColumns},
-                              {"dsp", MeasureDsp}};
+                              {"play", MeasurePlay},       {"dsp", MeasureDsp}};
 
 } // namespace
 
@@ -40,7 +40,7 @@ int main(int argc, char** argv)
     app.add_flag("--quick", quick, "six minutes instead of an hour");
     app.add_option("--folder", options.Folder, "where sounds and temporary files go")->check(CLI::ExistingDirectory);
     app.add_option("--only", only,
-                   "these figures only: memory, window, open, save, peaks, edits, space, long, columns, dsp");
+                   "these figures only: memory, window, open, save, peaks, edits, space, long, columns, play, dsp");
     CLI11_PARSE(app, argc, argv);
     if (quick)
         options.Hours = 0.1;

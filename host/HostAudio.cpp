@@ -50,6 +50,8 @@ QString HostAudio::DeviceText() const
 
 bool HostAudio::Send(TransportCommand command, intptr_t parameter)
 {
+    if (IsJump(command) && !IsPlaying()) // the module jumps in the view that has the player, even while it is silent
+        SendMessage(EK_WM_TAKE_PLAYER);
     return SendMessage(EK_WM_COMMAND, command, parameter);
 }
 

@@ -141,8 +141,11 @@ void TransportActions::SetIcons(const QColor& color)
 
 void TransportActions::Show(const TransportState& state)
 {
-    for (const TransportCommand command :
-         {TransportToStart, TransportBack, TransportPause, TransportStop, TransportForward, TransportToEnd})
+    for (const auto& [command, action] : m_commands) {
+        if (IsJump(command))
+            action->setEnabled(state.CanPlay || !state.IsStopped());
+    }
+    for (const TransportCommand command : {TransportPause, TransportStop})
         Of(command)->setEnabled(!state.IsStopped());
     Of(TransportPlay)->setEnabled(state.CanPlay);
     Of(TransportRecord)->setEnabled(state.CanRecord);

@@ -20,6 +20,13 @@ enum TransportCommand : uint32_t {
     TransportRecord = 13090,
 };
 
+/// Whether it moves the cursor, and no more while nothing plays.
+constexpr bool IsJump(TransportCommand command)
+{
+    return command == TransportToStart || command == TransportBack || command == TransportForward ||
+           command == TransportToEnd;
+}
+
 /// What the transport shows: playing as it is at one moment.
 struct TransportState {
     int Device = CHostAudioDevice::Stopped; ///< a CHostAudioDevice::State

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/File.h"
 #include "platform/FileCalls.h"
+#include "platform/SpaceRelease.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -29,6 +30,26 @@ auto Retried(Call call)
     return result;
 }
 
+bool IsWantOfRoom(int error)
+{
+    return error == ENOSPC || error == EDQUOT || error == EMFILE;
+}
+
+/// A deleted file may hold its space and its descriptor for a moment still, which must not be what a call fails for.
+template <typename Call>
+auto WithRoom(Call call)
+{
+    const uint64_t released = ReleasedSpaces();
+    auto result = Retried(call);
+    if (result != -1 || !IsWantOfRoom(errno))
+        return result;
+    const int error = errno;
+    if (AwaitReleasedSpaces() != released)
+        return Retried(call);
+    errno = error;
+    return result;
+}
+
 template <typename Result>
 IoStatus StatusOf(Result result)
 {
@@ -42,7 +63,7 @@ bool FitsOffset(uint64_t value)
 
 IoStatus OpenDescriptor(const std::filesystem::path& path, int flags, mode_t mode, int& descriptor)
 {
-    descriptor = Retried([&] { return CurrentFileCalls().Open(path.c_str(), flags | O_CLOEXEC, mode); });
+    descriptor = WithRoom([&] { return CurrentFileCalls().Open(path.c_str(), flags | O_CLOEXEC, mode); });
     return StatusOf(descriptor);
 }
 
@@ -68,7 +89,7 @@ IoStatus CheckRegular(int descriptor)
 IoStatus CopyInKernel(int from, int to, uint64_t& done)
 {
     for (;;) {
-        const ssize_t copied = Retried([&] { return CurrentFileCalls().CopyRange(from, to, MaxTransfer); });
+        const ssize_t copied = WithRoom([&] { return CurrentFileCalls().CopyRange(from, to, MaxTransfer); });
         if (copied == 0)
             return {};
         if (copied > 0) {
@@ -198,7 +219,7 @@ IoStatus File::WriteAt(const void* data, uint64_t length, uint64_t position)
         const auto part = static_cast<size_t>(std::min(length - done, MaxTransfer));
         const char* const place = static_cast<const char*>(data) + done;
         const auto offset = static_cast<off_t>(position + done);
-        const ssize_t put = Retried([&] { return CurrentFileCalls().PWrite(m_descriptor, place, part, offset); });
+        const ssize_t put = WithRoom([&] { return CurrentFileCalls().PWrite(m_descriptor, place, part, offset); });
         if (put == -1)
             return IoStatus(errno);
         if (put == 0)
@@ -221,10 +242,10 @@ IoStatus File::Allocate(uint64_t size)
         return {};
     if (!FitsOffset(size))
         return IoStatus(EFBIG);
-    int error = EINTR;
-    while (error == EINTR)
-        error = CurrentFileCalls().FAllocate(m_descriptor, static_cast<off_t>(size));
-    return IoStatus(error);
+    return StatusOf(WithRoom([&] {
+        errno = CurrentFileCalls().FAllocate(m_descriptor, static_cast<off_t>(size));
+        return errno == 0 ? 0 : -1;
+    }));
 }
 
 IoStatus File::Size(uint64_t& size) const

@@ -22,7 +22,8 @@ private:
 };
 
 /// An open file, closed by its destructor. All transfers name their position, so two threads may read one file.
-/// Every system call goes through FileCalls, where a test can make it fail.
+/// Every system call goes through FileCalls, where a test can make it fail. A call that finds the disk full waits for
+/// space that is being freed (SpaceRelease.h) and is made once more.
 class File {
 public:
     enum class Access { Read, ReadWrite };

@@ -86,12 +86,6 @@ void* FileCalls::MMap(size_t length, int descriptor)
     return ::mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
 }
 
-void* FileCalls::MMapForReading(void* place, size_t length, int descriptor, off_t position)
-{
-    void* const address = ::mmap(place, length, PROT_READ, MAP_SHARED | MAP_FIXED, descriptor, position);
-    return address != MAP_FAILED && ::madvise(address, length, MADV_POPULATE_READ) == 0 ? address : MAP_FAILED;
-}
-
 int FileCalls::MUnmap(void* address, size_t length)
 {
     return ::munmap(address, length);

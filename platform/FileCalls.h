@@ -26,9 +26,6 @@ public:
     virtual int Rename(const char* from, const char* to);
     virtual int Unlink(const char* path);
     virtual void* MMap(size_t length, int descriptor);
-    /// As mmap of a part, read-only, at a place that the caller has reserved and unmaps, with all its pages present;
-    /// fails when one of them cannot be read.
-    virtual void* MMapForReading(void* place, size_t length, int descriptor, off_t position);
     virtual int MUnmap(void* address, size_t length);
     virtual ssize_t CopyRange(int from, int to, size_t length); ///< as copy_file_range at the current offsets
 };

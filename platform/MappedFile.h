@@ -27,6 +27,7 @@ public:
 
     uint8_t* Data() const { return m_data; } ///< null while nothing is mapped
     uint64_t Size() const { return m_size; } ///< the bytes asked for, or the file's size
+    /// Of the file that is or was the last one; after a failed creation the name that was tried.
     const std::filesystem::path& Path() const { return m_path; }
 
 private:

@@ -41,7 +41,7 @@ ROOMS = {
     "resources": Room("editor/resources", "resources", "sdk"),
     "storage": Room("editor/storage", "storage", "background framework ekdatapr servicefuncs debugmanager"),
     "waveedit": Room("editor/waveedit", "waveedit", "storage framework dsp"),
-    "waveview": Room("editor/waveview", "waveview", "waveedit effectmanager"),
+    "waveview": Room("editor/waveview", "waveview", "waveedit effectmanager resources"),
     "app": Room("editor/app", "app", "waveedit resources framework"),
     # screens
     "skincontrols": Room("suite/skincontrols", "skincontrols", "skinmanager", qt=True),

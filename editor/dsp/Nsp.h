@@ -28,8 +28,14 @@ void nspcbMpy2(const ComplexFloat* src, ComplexFloat* dst, int32_t n); ///< dst[
 // `inSamps`; other overlaps are not allowed. Buffers aligned to 16 bytes save a copy. The function decides about the
 // direction, the flags about the scale: the result is divided by N when NspInverse is set and NspNoScale is not.
 // Checks: "inSamps==0", "outSamps==0", "order<0", "order>31", "(flags & 1)==0 && (flags & 2)==0",
-// "(flags & 1) && (flags & 2)". The first transform of an order keeps tables of about the size of the signal; where
+// "(flags & 1) && (flags & 2)". An order has tables of about the size of the signal, which it keeps for good; where
 // there is no memory for them the status is OutOfMemory and the output is left as it was.
+// Not for a sound card's thread: the first transform of an order makes these tables under a lock that all orders share,
+// buffers that are not aligned are copied to allocated ones, and FFTW takes work memory for most orders. An order that
+// is set up ahead takes no lock, and on aligned buffers nothing but that work memory.
+
+/// Makes the tables of an order ahead. Locks and allocates. Checks: "order<0", "order>31"; OutOfMemory.
+void nspsFftSetup(int32_t order);
 
 inline constexpr int32_t NspForward = 1;
 inline constexpr int32_t NspInverse = 2;
@@ -41,8 +47,13 @@ void nspsRealFftNip(const float* inSamps, ComplexFloat* outSamps, int32_t order,
 /// N/2, which a real signal does not have, are not looked at.
 void nspsCcsFftNip(const ComplexFloat* inSamps, float* outSamps, int32_t order, int32_t flags);
 
-/// A recursive filter and the past of the one stream that runs through it. One thread at a time.
+/// A recursive filter and the past of the one stream that runs through it. One thread at a time. It is not copied or
+/// moved, which would leave a mark without its filter behind.
 struct NspIirState {
+    NspIirState() = default;
+    NspIirState(const NspIirState&) = delete;
+    NspIirState& operator=(const NspIirState&) = delete;
+
     static constexpr uint32_t InitialisedMark = 31725;
 
     int32_t Order = 0;

@@ -10,7 +10,7 @@ namespace ek {
 
 namespace {
 
-thread_local NspStatus lastStatus = NspStatusOk;
+std::atomic<NspStatus> lastStatus = NspStatusOk;
 std::atomic<NspErrorHandler> errorHandler = nullptr;
 
 const char* WithoutFolders(const char* path)

@@ -18,7 +18,7 @@ enum NspStatus : int32_t {
 /// are static. Called on any thread that uses primitives; must not throw.
 using NspErrorHandler = void (*)(NspStatus status, const char* function, const char* text, const char* file, int line);
 
-/// The status of the calling thread's last refused call since it last reset it.
+/// The status of the library's last refused call, on whichever thread, since the last reset.
 NspStatus nspLastStatus();
 void nspResetStatus();
 

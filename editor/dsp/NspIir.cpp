@@ -73,7 +73,11 @@ void nspsIirInit(int32_t kind, const float* tapVals, int32_t order, NspIirState*
         return NspReport(NspStatusOutOfMemory, __func__, "insufficiency of memory for IIR filter state");
     for (size_t i = 0; i < 2 * length; ++i)
         taps[i] = tapVals[i] / tapVals[length];
-    *statePtr = {order, kind, std::move(taps), std::move(delay), NspIirState::InitialisedMark};
+    statePtr->Order = order;
+    statePtr->Kind = kind;
+    statePtr->Taps = std::move(taps);
+    statePtr->Delay = std::move(delay);
+    statePtr->Mark = NspIirState::InitialisedMark;
 }
 
 void nspIirFree(NspIirState* statePtr)
@@ -81,7 +85,9 @@ void nspIirFree(NspIirState* statePtr)
     if (NspRefused(__func__,
                    {{statePtr == nullptr, "statePtr==0"}, {Uninitialised(statePtr), "IIR filter wasn't initialized"}}))
         return;
-    *statePtr = {};
+    statePtr->Mark = 0;
+    statePtr->Taps.reset();
+    statePtr->Delay.reset();
 }
 
 void nspsbIir(NspIirState* statePtr, const float* inSamps, float* outSamps, int32_t numIters)

@@ -238,10 +238,14 @@ private:
     std::mutex m_planning;
 };
 
-const Transform* TransformOf(int32_t order)
+/// Null, and reported, when there is no memory.
+const Transform* TransformOf(const char* function, int32_t order)
 {
     static TransformCache cache;
-    return cache.Get(order);
+    const Transform* const transform = cache.Get(order);
+    if (!transform)
+        NspReport(NspStatusOutOfMemory, function, "insufficiency of memory for transform");
+    return transform;
 }
 
 bool Refused(const char* function, const void* in, const void* out, int32_t order, int32_t flags)
@@ -277,6 +281,14 @@ void OnAligned(const char* function, float* out, size_t values, Work work)
 
 } // namespace
 
+void nspsFftSetup(int32_t order)
+{
+    if (NspRefused(__func__, {{order < 0, "order<0"}, {order > HighestOrder, "order>31"}}))
+        return;
+    if (order > 0)
+        TransformOf(__func__, order);
+}
+
 void nspsRealFftNip(const float* inSamps, ComplexFloat* outSamps, int32_t order, int32_t flags)
 {
     if (Refused(__func__, inSamps, outSamps, order, flags))
@@ -286,9 +298,9 @@ void nspsRealFftNip(const float* inSamps, ComplexFloat* outSamps, int32_t order,
         *outSamps = {*inSamps * scale, 0};
         return;
     }
-    const Transform* transform = TransformOf(order);
+    const Transform* transform = TransformOf(__func__, order);
     if (!transform)
-        return NspReport(NspStatusOutOfMemory, __func__, "insufficiency of memory for transform");
+        return;
     const size_t length = 2 * transform->Half();
     OnAligned(__func__, reinterpret_cast<float*>(outSamps), length + 2, [&](float* work) {
         std::memmove(work, inSamps, length * sizeof(float));
@@ -305,9 +317,9 @@ void nspsCcsFftNip(const ComplexFloat* inSamps, float* outSamps, int32_t order, 
         *outSamps = inSamps->Re * scale;
         return;
     }
-    const Transform* transform = TransformOf(order);
+    const Transform* transform = TransformOf(__func__, order);
     if (!transform)
-        return NspReport(NspStatusOutOfMemory, __func__, "insufficiency of memory for transform");
+        return;
     OnAligned(__func__, outSamps, 2 * transform->Half(),
               [&](float* work) { transform->FromSpectrum(reinterpret_cast<const float*>(inSamps), work, scale); });
 }

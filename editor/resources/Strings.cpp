@@ -20,6 +20,9 @@ constexpr Text Table[] = {
     {IDS_ABOUT_TITLE, "About %s"},
     {IDS_BUILD_DATE, "Build compilation date:\n\n %s"},
     {IDS_EFFECTS_LIBRARY, "Effects Library"},
+    {IDS_EFFECT_MONO_OR_STEREO_ONLY, "Selected effect(s) can be used with mono or stereo sound only"},
+    {IDS_EFFECT_STEREO_ONLY, "Selected effect(s) can be used with stereo sound only"},
+    {IDS_EFFECT_FAILED, "Can't start playing with selected effect(s)"},
     {IDS_MORPH_MENU, "Morph"},
     {IDS_EFFECTS_TREE, "Effects Library"},
     {IDS_PASSED_MESSAGE, "Message: %s"},
@@ -31,6 +34,7 @@ constexpr Text Table[] = {
     {IDS_REPLACE_FILE, "%s already exists.\nDo you want to replace it?"},
     {IDS_LICENCE, "Free software under the GNU General Public License, version 3 or later. It comes with no warranty."},
     {IDS_ZOOM_RATIO, "Zoom ratio"},
+    {IDS_MORPH_EFFECTS, "Editor Special Effects"},
 };
 
 } // namespace

@@ -13,6 +13,9 @@ enum StringId : uint32_t {
     IDS_ABOUT_TITLE = 1176,
     IDS_BUILD_DATE = 1178,
     IDS_EFFECTS_LIBRARY = 1180,
+    IDS_EFFECT_MONO_OR_STEREO_ONLY = 1181,
+    IDS_EFFECT_STEREO_ONLY = 1182,
+    IDS_EFFECT_FAILED = 1183,
     IDS_MORPH_MENU = 1186,
     IDS_EFFECTS_TREE = 1228,
     IDS_PASSED_MESSAGE = 1229,
@@ -24,6 +27,7 @@ enum StringId : uint32_t {
     IDS_REPLACE_FILE = 20004,
     IDS_LICENCE = 20005,
     IDS_ZOOM_RATIO = 20006,
+    IDS_MORPH_EFFECTS = 20007,
 };
 
 /// Every text that a person sees comes from here: for a command its status text, a newline and its tool tip, else

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "storage/PeakBuilder.h"
 
-#include "platform/FileView.h"
-
 #include <algorithm>
 #include <memory>
 #include <system_error>
@@ -16,11 +14,8 @@ namespace {
 /// Small enough to stay in a core's second-level cache between reading and entering.
 constexpr uint64_t BufferBytes = 245760;
 
-/// What a thread takes at once: several files, so that few are mapped twice, and a small part of a long sound.
+/// What a thread takes at once: a small part of a long sound.
 constexpr uint64_t SpanBytes = 4 * TempFileList::LargestFile;
-
-/// For the files of a span, which are few.
-constexpr uint64_t RoomForRounding = uint64_t{1} << 20;
 
 /// A shorter range is not worth a second thread.
 constexpr uint64_t ParallelBytes = 4 * BufferBytes;
@@ -40,40 +35,14 @@ PeakBuilder::PeakBuilder(TempFileList& files, uint32_t blockAlign, PeakCache& pe
 {
 }
 
-bool PeakBuilder::EnterByReading(uint64_t start, uint64_t end)
+bool PeakBuilder::EnterSpan(int16_t* buffer, uint64_t start, uint64_t end)
 {
     const uint64_t bufferFrames = RoundDownToBlock(BufferBytes / m_blockAlign);
-    const auto buffer = std::make_unique_for_overwrite<int16_t[]>(BufferBytes / sizeof(int16_t));
     for (uint64_t frame = start; frame < end; frame += bufferFrames) {
         const uint64_t frames = std::min(bufferFrames, end - frame);
-        if (!m_files.Read(buffer.get(), frame * m_blockAlign, frames * m_blockAlign))
+        if (!m_files.Read(buffer, frame * m_blockAlign, frames * m_blockAlign))
             return false;
-        m_peaks.Enter(buffer.get(), frame, frames, m_onlyChannel);
-    }
-    return true;
-}
-
-/// Frames that lie in one file. What cannot be mapped is read, which also says what is wrong with it.
-bool PeakBuilder::EnterPart(FileView& view, const TempFileEntry& file, uint64_t frame, uint64_t frames)
-{
-    const uint8_t* const bytes = view.Map(file.Handle, frame * m_blockAlign - file.Start, frames * m_blockAlign);
-    if (!bytes)
-        return EnterByReading(frame, frame + frames);
-    m_peaks.Enter(reinterpret_cast<const int16_t*>(bytes), frame, frames, m_onlyChannel);
-    return true;
-}
-
-bool PeakBuilder::EnterSpan(uint64_t start, uint64_t end)
-{
-    FileView view((end - start) * m_blockAlign + RoomForRounding);
-    for (uint64_t frame = start; frame < end;) {
-        const TempFileEntry* const file = m_files.FileAt(frame * m_blockAlign);
-        if (!file || file->End() % m_blockAlign != 0)
-            return EnterByReading(RoundDownToBlock(frame), end);
-        const uint64_t partEnd = std::min(end, file->End() / m_blockAlign);
-        if (!EnterPart(view, *file, frame, partEnd - frame))
-            return false;
-        frame = partEnd;
+        m_peaks.Enter(buffer, frame, frames, m_onlyChannel);
     }
     return true;
 }
@@ -81,12 +50,13 @@ bool PeakBuilder::EnterSpan(uint64_t start, uint64_t end)
 bool PeakBuilder::EnterSpans(CProgressDlg& progress)
 {
     const uint64_t spanFrames = RoundDownToBlock(SpanBytes / m_blockAlign);
+    const auto buffer = std::make_unique_for_overwrite<int16_t[]>(BufferBytes / sizeof(int16_t));
     for (;;) {
         const uint64_t start = m_next.fetch_add(spanFrames);
         if (start >= m_end)
             return true;
         progress.SetPos(static_cast<uint32_t>((start - m_start) * 100 / (m_end - m_start)));
-        if (!EnterSpan(start, std::min(start + spanFrames, m_end)))
+        if (!EnterSpan(buffer.get(), start, std::min(start + spanFrames, m_end)))
             return false;
     }
 }

@@ -11,8 +11,6 @@
 
 namespace ek {
 
-class FileView;
-
 /// Computes entries of a peak cache from the temporary files of a store, on as many threads as help, behind a
 /// progress that cannot be cancelled.
 class PeakBuilder {
@@ -28,9 +26,7 @@ private:
     WorkResult Work(CProgressDlg& progress, uint64_t start, uint64_t end);
     std::future<bool> StartHelper(CProgressDlg& progress);
     bool EnterSpans(CProgressDlg& progress);
-    bool EnterSpan(uint64_t start, uint64_t end);
-    bool EnterPart(FileView& view, const TempFileEntry& file, uint64_t frame, uint64_t frames);
-    bool EnterByReading(uint64_t start, uint64_t end);
+    bool EnterSpan(int16_t* buffer, uint64_t start, uint64_t end);
 
     TempFileList& m_files;
     const uint32_t m_blockAlign;

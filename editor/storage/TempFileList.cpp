@@ -136,6 +136,8 @@ const TempFileEntry* TempFileList::FileAt(uint64_t offset) const
 template <class Move>
 bool TempFileList::Transfer(uint64_t position, uint64_t length, const char* verb, Move move)
 {
+    if (length == 0)
+        return true; // also where the stream has no byte
     Iterator entry = Find(position);
     for (uint64_t done = 0; done < length; ++entry) {
         if (entry == m_entries.end()) {

@@ -55,7 +55,20 @@ CWaveData::~CWaveData()
 
 void CWaveData::Log(int level, const char* format) const
 {
-    enDebugManager().WriteLogMessage(ModuleName, level, format, m_path.string().c_str());
+    enDebugManager().WriteLogMessage(ModuleName, level, format, m_path.c_str());
+}
+
+/// The outcome of a step of an edit, all of which leave the sound as it is until the last one, which cannot fail. So a
+/// step that memory does not suffice for is one that failed.
+template <class Step>
+bool CWaveData::Attempt(Step step) const
+{
+    try {
+        return step();
+    } catch (const std::exception&) {
+        Log(LogError, "Error: Memory does not suffice for an edit of \"%s\".");
+        return false;
+    }
 }
 
 /// Calls copy(place in the page, bytes done before, bytes) for every page of the range under the lock.
@@ -115,7 +128,7 @@ bool CWaveData::InsertSpace(uint64_t a, uint64_t b, uint64_t length)
     if (!m_files.IsRange(a, b) || !FlushPages())
         return false;
     Replacement room(m_files, b, b, length);
-    return room.AppendZeros(length) && Commit(room);
+    return Attempt([&] { return room.AppendZeros(length); }) && Commit(room);
 }
 
 bool CWaveData::RemoveData(uint64_t from, uint64_t to)
@@ -129,7 +142,7 @@ bool CWaveData::Commit(Replacement& replacement)
 {
     if (replacement.IsEmpty())
         return true;
-    if (!replacement.Complete())
+    if (!Attempt([&] { return replacement.Complete(); }))
         return false;
     const std::lock_guard lock(StoreLock());
     replacement.Commit();
@@ -143,6 +156,14 @@ bool CWaveData::CopyFrom(CWaveData& source)
 {
     assert(&source != this);
     Close();
+    if (Attempt([&] { return CopyAll(source); }))
+        return true;
+    Close();
+    return false;
+}
+
+bool CWaveData::CopyAll(CWaveData& source)
+{
     if (!source.FlushPages() || !m_files.CopyFrom(source.m_files))
         return false;
     m_record = source.m_record;

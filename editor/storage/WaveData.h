@@ -61,7 +61,8 @@ public:
     /// as zeros. On failure the content and the length are as before.
     bool InsertSpace(uint64_t a, uint64_t b, uint64_t length);
     bool RemoveData(uint64_t from, uint64_t to); ///< on failure everything is as before
-    bool CopyFrom(CWaveData& source);            ///< a deep copy, peak cache included
+    /// A deep copy, peak cache included; the store is empty when it fails.
+    bool CopyFrom(CWaveData& source);
     /// Formats of an empty store; 8-bit becomes 16-bit in the working format. A format that is not IsStorable is
     /// refused and changes nothing.
     bool SetFormat(const WAVEFORMATEXTENSIBLE& format, const StreamProperties* properties);
@@ -140,6 +141,9 @@ private:
     bool RenewPeaks(uint64_t startFrame, uint64_t oldLength, uint64_t newLength, ChannelCode code);
     bool RenewMovedPeaks(uint64_t start);
     bool EditsOneChannel(ChannelCode code) const;
+    template <class Step>
+    bool Attempt(Step step) const;
+    bool CopyAll(CWaveData& source);
     WorkResult TakeFromBlock(const EditRange& range, SoundBuffer& block);
     /// Runs the processor that fills the replacement, then puts it in its place.
     WorkResult Apply(Replacement& replacement, CWaveDataProcessor& processor);

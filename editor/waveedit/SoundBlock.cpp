@@ -8,8 +8,10 @@
 #include "servicefuncs/MessageBox.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace ek {
@@ -55,6 +57,19 @@ WorkResult Resample(const CSoundBlock& source, const WAVEFORMATEXTENSIBLE& forma
     return WorkResult::Finished;
 }
 
+bool MeansNoRoom(const IoStatus& status)
+{
+    return status.Errno() == ENOSPC || status.Errno() == EDQUOT || status.Errno() == ENOMEM;
+}
+
+void LogUncreated(const IoStatus& created, const std::filesystem::path& path, uint64_t bytes)
+{
+    enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Failed to create temporary file \"%s\".",
+                                     path.c_str());
+    enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: %I64u bytes in folder \"%s\": %s.", bytes,
+                                     path.parent_path().c_str(), created.Text().c_str());
+}
+
 void LogUndeleted(const IoStatus& removed, const std::filesystem::path& path)
 {
     if (!removed.Ok())
@@ -62,19 +77,38 @@ void LogUndeleted(const IoStatus& removed, const std::filesystem::path& path)
                                          path.c_str());
 }
 
-/// A new temporary file of the source in another format; nothing is there unless it has finished.
-WorkResult ResampleToFile(const CSoundBlock& source, const WAVEFORMATEXTENSIBLE& format, std::filesystem::path& path)
+/// A temporary file that goes unless somebody takes it over, and the path with it.
+struct UnclaimedFile {
+    UnclaimedFile() = default;
+    ~UnclaimedFile()
+    {
+        if (!Path.empty())
+            LogUndeleted(RemoveFile(Path), Path);
+    }
+    UnclaimedFile(const UnclaimedFile&) = delete;
+    UnclaimedFile& operator=(const UnclaimedFile&) = delete;
+
+    std::filesystem::path Path;
+};
+
+/// Makes the file one of the source in another format.
+WorkResult ResampleToFile(const CSoundBlock& source, const WAVEFORMATEXTENSIBLE& format, UnclaimedFile& made)
 {
     File file;
-    if (!CreateTempFile("ekesb", ".tmp", file, path).Ok())
+    if (!CreateTempFile("ekesb", ".tmp", file, made.Path).Ok()) {
+        made.Path.clear();
         return WorkResult::Failed;
-    WorkResult result = RunInBackground(
+    }
+    const WorkResult result = RunInBackground(
         "Resampling", true, [&](CProgressDlg& progress) { return Resample(source, format, file, progress); });
-    if (!file.Close().Ok() && result == WorkResult::Finished)
-        result = WorkResult::Failed;
-    if (result != WorkResult::Finished)
-        LogUndeleted(RemoveFile(path), path);
-    return result;
+    const bool closed = file.Close().Ok();
+    return result == WorkResult::Finished && !closed ? WorkResult::Failed : result;
+}
+
+std::unique_ptr<CSoundBlock>& Clipboard()
+{
+    static auto clipboard = std::make_unique<CSoundBlock>();
+    return clipboard;
 }
 
 } // namespace
@@ -92,14 +126,14 @@ CSoundBlock::~CSoundBlock()
 bool CSoundBlock::Create(uint64_t frames, const WAVEFORMATEXTENSIBLE& format, const void* initial, ChannelCode code)
 {
     Free();
+    m_lacksRoom = false;
     Code = code;
     Format = format;
     const uint64_t bytes = frames * format.nBlockAlign;
     const IoStatus created = m_file.CreateTemporary(bytes);
     if (!created.Ok()) {
-        enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: Failed to create temporary file \"%s\".",
-                                         m_file.Path().c_str());
-        Free();
+        m_lacksRoom = MeansNoRoom(created);
+        LogUncreated(created, m_file.Path(), bytes);
         return false;
     }
     Data = m_file.Data();
@@ -127,10 +161,8 @@ bool CSoundBlock::OpenFile(const std::filesystem::path& path, const WAVEFORMATEX
 
 void CSoundBlock::Free()
 {
-    if (Data) {
-        const std::filesystem::path path = m_file.Path();
-        LogUndeleted(m_file.CloseAndRemove(), path);
-    }
+    if (Data)
+        LogUndeleted(m_file.CloseAndRemove(), m_file.Path());
     Data = nullptr;
     FrameCount = 0;
     FillPosition = 0;
@@ -139,13 +171,13 @@ void CSoundBlock::Free()
 bool CSoundBlock::ConvertFrom(const CSoundBlock& source, const WAVEFORMATEXTENSIBLE& format)
 {
     Free();
-    std::filesystem::path path;
-    WorkResult result = ResampleToFile(source, format, path);
+    UnclaimedFile made;
+    WorkResult result = ResampleToFile(source, format, made);
     source.ReleaseMemory();
-    if (result == WorkResult::Finished && !OpenFile(path, format)) {
-        LogUndeleted(RemoveFile(path), path);
+    if (result == WorkResult::Finished && !OpenFile(made.Path, format))
         result = WorkResult::Failed;
-    }
+    if (result == WorkResult::Finished)
+        made.Path.clear(); // it is the block's now
     Code = source.Code;
     if (result == WorkResult::Failed)
         AfxSCMessageBox("Can't resample data", MessageButtons::Ok, MessageIcon::Error);
@@ -169,8 +201,12 @@ void CSoundBlock::SetRange(uint64_t start, uint64_t end)
 
 CSoundBlock& SoundClipboard()
 {
-    static CSoundBlock clipboard;
-    return clipboard;
+    return *Clipboard();
+}
+
+void SetSoundClipboard(std::unique_ptr<CSoundBlock> block)
+{
+    Clipboard() = std::move(block);
 }
 
 } // namespace ek

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 
 namespace ek {
 
@@ -19,8 +20,10 @@ public:
     CSoundBlock& operator=(const CSoundBlock&) = delete;
 
     /// `frames` frames, copied from `initial` (the block is full then) or zeros when it is null. The disk space is
-    /// allocated at once. False: the block is empty.
+    /// allocated at once. False: the block is empty, and the log says why.
     bool Create(uint64_t frames, const WAVEFORMATEXTENSIBLE& format, const void* initial, ChannelCode code);
+    /// Create failed for want of room on the disk or in the address space.
+    bool LacksRoom() const { return m_lacksRoom; }
     /// Takes over an existing file of raw frames, and with it the duty to delete it.
     bool OpenFile(const std::filesystem::path& path, const WAVEFORMATEXTENSIBLE& format);
     void Free();
@@ -31,7 +34,8 @@ public:
     /// Gives back the memory that the sound takes up by having been read or written; the file keeps it.
     void ReleaseMemory() const { m_file.ReleaseMemory(); }
 
-    const std::filesystem::path& FileName() const { return m_file.Path(); }
+    /// Empty while the block has no file.
+    std::filesystem::path FileName() const { return Data ? m_file.Path() : std::filesystem::path(); }
 
     /// The range of the document that the block belongs to: [start, end) frames.
     void SetRange(uint64_t start, uint64_t end);
@@ -42,6 +46,7 @@ private:
     void OnUsedAt(uint64_t index);
 
     MappedFile m_file;
+    bool m_lacksRoom = false;
     uint64_t m_keptFrom = 0; ///< where the frames begin that may take up memory
     uint64_t m_rangeStart = 0;
     uint64_t m_rangeEnd = 0;
@@ -50,5 +55,7 @@ private:
 /// The last copied sound, shared by all documents; empty while its FrameCount is 0. The application frees it before it
 /// goes.
 CSoundBlock& SoundClipboard();
+/// Puts a sound in the place of the last one, which is freed. Not null.
+void SetSoundClipboard(std::unique_ptr<CSoundBlock> block);
 
 } // namespace ek

@@ -5,16 +5,22 @@
 
 namespace ek {
 
-void CUndoStack::Push(std::unique_ptr<CSoundBlock> block, const std::string& name)
+void CUndoStack::Reserve(const std::string& name)
 {
-    m_entries.resize(static_cast<size_t>(m_current + 1));
-    m_entries.push_back({std::move(block), name});
+    m_entries.reserve(m_entries.size() + 1);
+    m_lastName.reserve(name.size());
+}
+
+void CUndoStack::Push(std::unique_ptr<CSoundBlock> block, std::string name) noexcept
+{
+    m_lastName = name;
+    m_entries.erase(m_entries.begin() + m_current + 1, m_entries.end());
+    m_entries.push_back({std::move(block), std::move(name)});
     ++m_current;
     if (m_limit >= 0 && m_current == m_limit) {
         m_entries.erase(m_entries.begin());
         --m_current;
     }
-    m_lastName = name;
     m_lastTime = static_cast<uint32_t>(TickMilliseconds());
 }
 

@@ -16,8 +16,11 @@ class CUndoStack {
 public:
     explicit CUndoStack(int32_t limit = 10) : m_limit(limit) {} ///< a negative limit: none
 
-    /// Drops what could be redone, appends, and drops the oldest entry beyond the limit.
-    void Push(std::unique_ptr<CSoundBlock> block, const std::string& name);
+    /// Makes room for one more entry of that name: an edit does so before it changes the sound, because the Push after
+    /// it must not fail. Nothing else changes; throws where there is no memory.
+    void Reserve(const std::string& name);
+    /// Drops what could be redone, appends, and drops the oldest entry beyond the limit. There must be room.
+    void Push(std::unique_ptr<CSoundBlock> block, std::string name) noexcept;
     bool CanUndo() const { return m_current >= 0; }
     bool CanRedo() const { return m_current + 1 < static_cast<int32_t>(m_entries.size()); }
     CSoundBlock& UndoBlock() const { return *m_entries[static_cast<size_t>(m_current)].Block; }

@@ -40,9 +40,10 @@ public:
 
     // Edits of frames [start, end) of one channel, or of all (ChannelAll), each behind a progress. A sound of one
     // channel is edited whole. They mark the document modified and tell the views what changed. One that fails or is
-    // cancelled leaves the sound, the undo stack and its arguments as they were, and one that fails has told the user
-    // why. A range or a channel that the sound does not have is refused without a word.
-    /// Into the sound clipboard, whose old sound is given up first: it is empty when the copy fails or is cancelled.
+    // cancelled leaves the sound, the undo stack and its arguments as they were, and one that fails, also for want of
+    // memory, has told the user why. A range or a channel that the sound does not have is refused without a word.
+    /// Into the sound clipboard, whose old sound stays when the copy fails or is cancelled. Where there is no room for
+    /// both, the old one is given up first; the user is told then that the clipboard is empty.
     bool Copy(uint64_t start, uint64_t end, ChannelCode code);
     /// The range is replaced by the clipboard's sound and becomes that of the pasted frames. One channel takes the
     /// pasted samples and is silent behind them; where it grows, so do the others, in silence. A document without
@@ -99,16 +100,20 @@ private:
     void OnNewSound();
     bool CanEdit(uint64_t start, uint64_t end, ChannelCode code) const;
     ChannelCode EditedChannel(ChannelCode code) const; ///< ChannelAll in a sound of one channel
-    void PushUndo(std::unique_ptr<CSoundBlock> block, uint64_t start, uint64_t end, const std::string& name);
+    bool CopyToClipboard(uint64_t start, uint64_t length, ChannelCode code);
+    /// Before the sound is changed: the name for PushUndo, which then needs no more memory.
+    std::string PrepareUndo(std::string name);
+    void PushUndo(std::unique_ptr<CSoundBlock> block, uint64_t start, uint64_t end, std::string name) noexcept;
     void TellFramesChanged(uint64_t start, uint64_t oldLength, uint64_t newLength);
+    void TellEdited(uint64_t start, uint64_t oldLength, uint64_t newLength); ///< that, and modified
     /// How a sound in the edited format comes into the document.
     using PasteEdit = bool (CWEDoc::*)(const CSoundBlock& source, uint64_t& start, uint64_t& end, ChannelCode code);
     bool PasteBy(PasteEdit edit, uint64_t& start, uint64_t& end, ChannelCode code);
     bool PasteInto(PasteEdit edit, uint64_t& start, uint64_t& end, ChannelCode code);
     bool ReplaceByBlock(const CSoundBlock& source, uint64_t& start, uint64_t& end, ChannelCode code);
     bool MixBlockIn(const CSoundBlock& source, uint64_t& start, uint64_t& end, ChannelCode code);
-    bool RemoveFrames(uint64_t start, uint64_t end, const std::string& name);
-    bool SilenceChannel(uint64_t start, uint64_t end, ChannelCode code, const std::string& name);
+    bool RemoveFrames(uint64_t start, uint64_t end, std::string name);
+    bool SilenceChannel(uint64_t start, uint64_t end, ChannelCode code, std::string name);
     void TellPutBack(const CSoundBlock& replaced, uint64_t& start, uint64_t& end);
     void OnSave() { DoSave(); }
     void OnSaveAs() { SaveAs(); }

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "waveedit/WEDoc.h"
 
+#include "debugmanager/DebugManager.h"
 #include "platform/TempFile.h"
 #include "platform/Text.h"
 #include "servicefuncs/MessageBox.h"
 
 #include <algorithm>
+#include <new>
+#include <utility>
 
 namespace ek {
 
@@ -26,12 +29,39 @@ ChannelCode KeptChannel(ChannelCode code, uint64_t length, uint64_t newLength)
     return length == newLength ? code : ChannelAll;
 }
 
-void TellEditFailed()
+constexpr char ClipboardIsEmpty[] = "The clipboard is empty now.";
+
+void TellEditFailed(const std::string& alsoText = {})
 {
     const std::string text = Format("There is not enough room for temporary files in \"%s\", or they can't be read or "
-                                    "written. The sound was not changed.",
-                                    TempFolder().c_str());
+                                    "written. The sound was not changed.%s",
+                                    TempFolder().c_str(), alsoText.c_str());
     AfxSCMessageBox(text, MessageButtons::Ok, MessageIcon::Error);
+}
+
+/// The border of an edit, which no lack of memory crosses: the edit has used the last that it needs before it changes
+/// the sound. Returns what the edit does, or null or false.
+template <typename Edit>
+auto WithinMemory(Edit edit) -> decltype(edit())
+{
+    try {
+        return edit();
+    } catch (const std::bad_alloc&) {
+        AfxSCMessageBox("There is not enough memory. The sound was not changed.", MessageButtons::Ok,
+                        MessageIcon::Error);
+        return {};
+    }
+}
+
+/// An edit that is done stands, also where a view has no memory to take note of it.
+template <typename Tell>
+void TellViews(Tell tell)
+{
+    try {
+        tell();
+    } catch (const std::bad_alloc&) {
+        enDebugManager().WriteLogMessage(ModuleName, LogError, "Error: No memory to show an edit.");
+    }
 }
 
 bool HasFinished(WorkResult result)
@@ -58,13 +88,13 @@ bool CreateBlock(CSoundBlock& block, const CWaveData& store, uint64_t frames, Ch
 }
 
 /// Makes the block one of frames of the store.
-bool TakeFrames(CSoundBlock& block, CWaveData& store, uint64_t start, uint64_t length, ChannelCode code,
-                const char* caption)
+WorkResult TakeFrames(CSoundBlock& block, CWaveData& store, uint64_t start, uint64_t length, ChannelCode code,
+                      const char* caption)
 {
-    if (!CreateBlock(block, store, length, code))
-        return false;
-    const bool taken = HasFinished(
-        store.ExchangeFrames(block, start, length, code, CWaveData::Direction::StoreToBlock, caption, true));
+    if (!block.Create(length, EditFormat(store, code), nullptr, code))
+        return WorkResult::Failed;
+    const WorkResult taken =
+        store.ExchangeFrames(block, start, length, code, CWaveData::Direction::StoreToBlock, caption, true);
     block.ReleaseMemory();
     return taken;
 }
@@ -74,7 +104,7 @@ std::unique_ptr<CSoundBlock> KeepFrames(CWaveData& store, uint64_t start, uint64
                                         const char* caption)
 {
     auto block = std::make_unique<CSoundBlock>();
-    return TakeFrames(*block, store, start, length, code, caption) ? std::move(block) : nullptr;
+    return HasFinished(TakeFrames(*block, store, start, length, code, caption)) ? std::move(block) : nullptr;
 }
 
 bool PutFrames(CWaveData& store, uint64_t start, uint64_t end, const CSoundBlock& block, ChannelCode code,
@@ -111,29 +141,57 @@ ChannelCode CWEDoc::EditedChannel(ChannelCode code) const
     return ChannelCount() == 1 ? ChannelAll : code;
 }
 
-void CWEDoc::PushUndo(std::unique_ptr<CSoundBlock> block, uint64_t start, uint64_t end, const std::string& name)
+std::string CWEDoc::PrepareUndo(std::string name)
+{
+    m_undo.Reserve(name);
+    return name;
+}
+
+void CWEDoc::PushUndo(std::unique_ptr<CSoundBlock> block, uint64_t start, uint64_t end, std::string name) noexcept
 {
     block->ReleaseMemory();
     block->SetRange(start, end);
-    m_undo.Push(std::move(block), name);
+    m_undo.Push(std::move(block), std::move(name));
 }
 
 void CWEDoc::TellFramesChanged(uint64_t start, uint64_t oldLength, uint64_t newLength)
 {
     m_columns.Invalidate();
-    Notify({DocumentChange::Kind::Frames, start, oldLength, newLength});
+    TellViews([&] { Notify({DocumentChange::Kind::Frames, start, oldLength, newLength}); });
+}
+
+void CWEDoc::TellEdited(uint64_t start, uint64_t oldLength, uint64_t newLength)
+{
+    TellViews([this] { SetModified(true); });
+    TellFramesChanged(start, oldLength, newLength);
 }
 
 bool CWEDoc::Copy(uint64_t start, uint64_t end, ChannelCode code)
 {
     if (!CanEdit(start, end, code))
         return false;
-    code = EditedChannel(code);
-    CSoundBlock& clipboard = SoundClipboard();
-    const bool copied = TakeFrames(clipboard, m_store, start, end - start, code, "Copying Sound Block");
-    if (!copied)
-        clipboard.Free(); // half a copy is none
-    return copied;
+    return WithinMemory([&] { return CopyToClipboard(start, end - start, EditedChannel(code)); });
+}
+
+bool CWEDoc::CopyToClipboard(uint64_t start, uint64_t length, ChannelCode code)
+{
+    auto copy = std::make_unique<CSoundBlock>();
+    const auto take = [&] { return TakeFrames(*copy, m_store, start, length, code, "Copying Sound Block"); };
+    WorkResult result = take();
+    const bool givesUpOld = result == WorkResult::Failed && copy->LacksRoom() && SoundClipboard().Data;
+    if (givesUpOld) {
+        SoundClipboard().Free();
+        result = take();
+    }
+    if (result == WorkResult::Finished)
+        SetSoundClipboard(std::move(copy));
+    else if (!givesUpOld)
+        HasFinished(result);
+    else if (result == WorkResult::Failed)
+        TellEditFailed(std::string(" ") + ClipboardIsEmpty);
+    else
+        AfxSCMessageBox(ClipboardIsEmpty, MessageButtons::Ok, MessageIcon::Information);
+    return result == WorkResult::Finished;
 }
 
 bool CWEDoc::Paste(uint64_t& start, uint64_t& end, ChannelCode code)
@@ -153,25 +211,26 @@ bool CWEDoc::PasteMix(uint64_t& start, uint64_t& end, ChannelCode code)
 bool CWEDoc::PasteBy(PasteEdit edit, uint64_t& start, uint64_t& end, ChannelCode code)
 {
     const bool wasReady = m_ready;
-    if (IsClipboardEmpty() || (!wasReady && !TakeFormat(SoundClipboard().Format, nullptr)))
-        return false;
     const uint64_t oldCount = FrameCount();
-    if (!PasteInto(edit, start, end, code)) {
+    if (IsClipboardEmpty() || !WithinMemory([&] { return PasteInto(edit, start, end, code); })) {
         if (!wasReady)
             DropFormat();
         return false;
     }
-    SetModified(true);
-    if (wasReady)
-        TellFramesChanged(start, end - start + oldCount - FrameCount(), end - start);
-    else
+    if (wasReady) {
+        TellEdited(start, end - start + oldCount - FrameCount(), end - start);
+        return true;
+    }
+    TellViews([this] {
+        SetModified(true);
         OnNewSound();
+    });
     return true;
 }
 
 bool CWEDoc::PasteInto(PasteEdit edit, uint64_t& start, uint64_t& end, ChannelCode code)
 {
-    if (!CanEdit(start, end, code))
+    if ((!m_ready && !TakeFormat(SoundClipboard().Format, nullptr)) || !CanEdit(start, end, code))
         return false;
     code = EditedChannel(code);
     CSoundBlock converted;
@@ -189,11 +248,12 @@ bool CWEDoc::ReplaceByBlock(const CSoundBlock& source, uint64_t& start, uint64_t
 {
     const uint64_t oldLength = end - start;
     const uint64_t newLength = code == ChannelAll ? source.FrameCount : std::max(source.FrameCount, oldLength);
+    std::string name = PrepareUndo(PasteCaption);
     auto old = KeepFrames(m_store, start, oldLength, KeptChannel(code, oldLength, newLength), StoreUndoCaption);
     if (!old || !PutFrames(m_store, start, end, source, code, true, PasteCaption))
         return false;
     end = start + newLength;
-    PushUndo(std::move(old), start, end, PasteCaption);
+    PushUndo(std::move(old), start, end, std::move(name));
     return true;
 }
 
@@ -201,13 +261,14 @@ bool CWEDoc::MixBlockIn(const CSoundBlock& source, uint64_t& start, uint64_t& en
 {
     const uint64_t newLength = source.FrameCount;
     const uint64_t oldLength = std::min(FrameCount() - start, newLength);
+    std::string name = PrepareUndo(MixCaption);
     auto old = std::make_unique<CSoundBlock>();
     if (!CreateBlock(*old, m_store, oldLength, KeptChannel(code, oldLength, newLength)) ||
         !HasFinished(m_store.MixFrames(old.get(), start, source, code, true, MixCaption)))
         return false;
     source.ReleaseMemory();
     end = start + newLength;
-    PushUndo(std::move(old), start, end, MixCaption);
+    PushUndo(std::move(old), start, end, std::move(name));
     return true;
 }
 
@@ -215,23 +276,25 @@ bool CWEDoc::Delete(uint64_t start, uint64_t end, ChannelCode code, const std::s
 {
     if (start == end || !CanEdit(start, end, code))
         return false;
-    const std::string name = undoLabel.empty() ? DeleteCaption : undoLabel;
     code = EditedChannel(code);
-    return code == ChannelAll ? RemoveFrames(start, end, name) : SilenceChannel(start, end, code, name);
+    return WithinMemory([&] {
+        std::string name = PrepareUndo(undoLabel.empty() ? DeleteCaption : undoLabel);
+        return code == ChannelAll ? RemoveFrames(start, end, std::move(name))
+                                  : SilenceChannel(start, end, code, std::move(name));
+    });
 }
 
-bool CWEDoc::RemoveFrames(uint64_t start, uint64_t end, const std::string& name)
+bool CWEDoc::RemoveFrames(uint64_t start, uint64_t end, std::string name)
 {
     auto old = KeepFrames(m_store, start, end - start, ChannelAll, StoreUndoCaption);
     if (!old || !HasSucceeded(m_store.DeleteFrames(start, end, ChannelAll, DeleteCaption, nullptr)))
         return false;
-    PushUndo(std::move(old), start, start, name);
-    SetModified(true);
-    TellFramesChanged(start, end - start, 0);
+    PushUndo(std::move(old), start, start, std::move(name));
+    TellEdited(start, end - start, 0);
     return true;
 }
 
-bool CWEDoc::SilenceChannel(uint64_t start, uint64_t end, ChannelCode code, const std::string& name)
+bool CWEDoc::SilenceChannel(uint64_t start, uint64_t end, ChannelCode code, std::string name)
 {
     auto old = std::make_unique<CSoundBlock>();
     if (!CreateBlock(*old, m_store, end - start, code) ||
@@ -239,9 +302,8 @@ bool CWEDoc::SilenceChannel(uint64_t start, uint64_t end, ChannelCode code, cons
         return false;
     const uint64_t silenced = old->FillPosition; // fewer when it was cancelled; these stay silent
     old->FrameCount = silenced;
-    PushUndo(std::move(old), start, start + silenced, name);
-    SetModified(true);
-    TellFramesChanged(start, silenced, silenced);
+    PushUndo(std::move(old), start, start + silenced, std::move(name));
+    TellEdited(start, silenced, silenced);
     return true;
 }
 
@@ -249,15 +311,15 @@ void CWEDoc::TellPutBack(const CSoundBlock& replaced, uint64_t& start, uint64_t&
 {
     start = replaced.RangeStart();
     end = replaced.RangeEnd();
-    SetModified(true);
-    TellFramesChanged(start, replaced.FrameCount, end - start);
+    TellEdited(start, replaced.FrameCount, end - start);
 }
 
 bool CWEDoc::Undo(uint64_t& start, uint64_t& end)
 {
     if (!CanUndo())
         return false;
-    std::unique_ptr<CSoundBlock> replaced = PutBack(m_store, m_undo.UndoBlock(), StoreRedoCaption, UndoCaption);
+    auto replaced =
+        WithinMemory([this] { return PutBack(m_store, m_undo.UndoBlock(), StoreRedoCaption, UndoCaption); });
     if (!replaced)
         return false;
     m_undo.ReplaceUndo(std::move(replaced));
@@ -269,7 +331,8 @@ bool CWEDoc::Redo(uint64_t& start, uint64_t& end)
 {
     if (!CanRedo())
         return false;
-    std::unique_ptr<CSoundBlock> replaced = PutBack(m_store, m_undo.RedoBlock(), StoreUndoCaption, RedoCaption);
+    auto replaced =
+        WithinMemory([this] { return PutBack(m_store, m_undo.RedoBlock(), StoreUndoCaption, RedoCaption); });
     if (!replaced)
         return false;
     m_undo.ReplaceRedo(std::move(replaced));
@@ -282,11 +345,14 @@ bool CWEDoc::StoreUndo(uint64_t start, uint64_t length, uint64_t newEnd, const s
     if (newEnd < start || !CanEdit(start, start + length, code))
         return false;
     const ChannelCode kept = KeptChannel(EditedChannel(code), length, newEnd - start);
-    auto old = KeepFrames(m_store, start, length, kept, StoreUndoCaption);
-    if (!old)
-        return false;
-    PushUndo(std::move(old), start, newEnd, name);
-    return true;
+    return WithinMemory([&] {
+        std::string label = PrepareUndo(name);
+        auto old = KeepFrames(m_store, start, length, kept, StoreUndoCaption);
+        if (!old)
+            return false;
+        PushUndo(std::move(old), start, newEnd, std::move(label));
+        return true;
+    });
 }
 
 bool CWEDoc::RollBack()
@@ -296,7 +362,8 @@ bool CWEDoc::RollBack()
     const CSoundBlock& block = m_undo.UndoBlock();
     const uint64_t start = block.RangeStart();
     const uint64_t length = block.FrameCount;
-    if (!PutFrames(m_store, start, block.RangeEnd(), block, block.Code, false, UndoCaption))
+    const uint64_t end = block.RangeEnd();
+    if (!WithinMemory([&] { return PutFrames(m_store, start, end, block, block.Code, false, UndoCaption); }))
         return false;
     m_undo.DropUndo();
     TellFramesChanged(start, length, length); // as the views know it

@@ -21,7 +21,7 @@ bool CViewInput::JumpTo(const PlayRange& range, uint64_t frame, uint32_t now)
 {
     const std::lock_guard lock(m_mutex);
     m_range = range;
-    m_readPosition = frame;
+    m_place = frame;
     m_heard.Clear();
     m_heard.Push(now, frame);
     return !m_drained;
@@ -36,7 +36,7 @@ void CViewInput::SetChannel(ChannelCode code)
 uint64_t CViewInput::HeardFrame(uint32_t now) const
 {
     const std::lock_guard lock(m_mutex);
-    return m_heard.FrameAt(now);
+    return FrameAtPlace(m_heard.FrameAt(now));
 }
 
 void CViewInput::Delay(uint32_t milliseconds)
@@ -92,19 +92,26 @@ CViewInput::Piece CViewInput::TakePiece(uint32_t most)
     const std::lock_guard lock(m_mutex);
     if (m_drained)
         return {};
-    if (m_readPosition >= m_range.End) {
-        Mark(m_range.End);
+    MarkPlace();
+    uint64_t frame = FrameAtPlace(m_place);
+    if (frame >= m_range.End) {
         m_drained = !loops || m_range.Start >= m_range.End;
         if (m_drained)
             return {};
-        m_readPosition = m_range.Start;
+        frame = m_range.Start;
     }
-    const uint64_t left = m_range.End - m_readPosition;
-    const Piece piece{m_readPosition, static_cast<uint32_t>(std::min<uint64_t>(most, left))};
-    Mark(piece.Frame);
-    m_readPosition += piece.Count;
+    const Piece piece{frame, static_cast<uint32_t>(std::min<uint64_t>(most, m_range.End - frame))};
+    m_place += piece.Count;
     m_requestOffset += piece.Count;
     return piece;
+}
+
+/// The end of a round counts as the range's end, not as the beginning of the next one.
+uint64_t CViewInput::FrameAtPlace(uint64_t place) const
+{
+    if (place <= m_range.End || m_range.Start >= m_range.End)
+        return place;
+    return m_range.Start + 1 + (place - m_range.End - 1) % (m_range.End - m_range.Start);
 }
 
 bool CViewInput::ReadPiece(const Piece& piece, uint32_t at)
@@ -113,10 +120,10 @@ bool CViewInput::ReadPiece(const Piece& piece, uint32_t at)
     return m_frames.ReadData(m_buffer.data() + at * frameBytes, piece.Frame * frameBytes, piece.Count * frameBytes);
 }
 
-void CViewInput::Mark(uint64_t frame)
+void CViewInput::MarkPlace()
 {
     const uint64_t milliseconds = m_requestOffset * 1000 / std::max(m_format.nSamplesPerSec, 1U);
-    m_heard.Push(m_stamp + static_cast<uint32_t>(milliseconds), frame);
+    m_heard.Push(m_stamp + static_cast<uint32_t>(milliseconds), m_place);
 }
 
 void CViewInput::Silence(_SOUNDDATAEX_& sound) const

@@ -56,7 +56,8 @@ private:
     };
     Piece TakePiece(uint32_t most);
     bool ReadPiece(const Piece& piece, uint32_t at);
-    void Mark(uint64_t frame);
+    void MarkPlace();
+    uint64_t FrameAtPlace(uint64_t place) const;
     void Silence(_SOUNDDATAEX_& sound) const;
     void Fail();
 
@@ -67,9 +68,11 @@ private:
 
     mutable std::mutex m_mutex; // guards what follows; never held while frames are read or the player is called
     PlayRange m_range;
-    uint64_t m_readPosition = 0;
+    // Where the next frame comes from: a frame, or beyond the range's end what a loop appends to it, one round after
+    // the other. So loops do not bend the line from what is heard to what is pulled.
+    uint64_t m_place = 0;
     ChannelCode m_channel = ChannelAll;
-    PositionQueue m_heard;
+    PositionQueue m_heard; // of places
     uint32_t m_stamp = 0;
     uint64_t m_requestOffset = 0; // from the request's first frame to the next frame pulled
     bool m_drained = false;       // whoever pulls was told that there is no more

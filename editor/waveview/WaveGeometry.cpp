@@ -196,11 +196,11 @@ bool WaveGeometry::EnsureCursorVisible(bool follow)
     return FirstVisibleFrame != before;
 }
 
-void WaveGeometry::TrackPlayback(uint64_t oldCursor)
+void WaveGeometry::TrackPlayback(uint64_t from, uint64_t to)
 {
     const double span = static_cast<double>(Span());
-    const double oldOffset = static_cast<double>(Signed(oldCursor - FirstVisibleFrame));
-    const double newOffset = static_cast<double>(Signed(CursorFrame - FirstVisibleFrame));
+    const double oldOffset = static_cast<double>(Signed(from - FirstVisibleFrame));
+    const double newOffset = static_cast<double>(Signed(to - FirstVisibleFrame));
     if (oldOffset <= 0.55 * span && newOffset >= 0.45 * span)
         FollowPlayback = true;
 }

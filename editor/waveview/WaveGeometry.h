@@ -76,8 +76,8 @@ struct WaveGeometry {
 
     /// Scrolls so that the cursor is visible, or with `follow` in the left half; true when the view moved.
     bool EnsureCursorVisible(bool follow);
-    /// Starts following when the playing cursor passes the middle on its way from `oldCursor` to CursorFrame.
-    void TrackPlayback(uint64_t oldCursor);
+    /// Starts following when the playing cursor passes the middle on its way from one frame to the other.
+    void TrackPlayback(uint64_t from, uint64_t to);
     /// One step of scrolling while the mouse at x drags a selection beyond an edge: the frame that the selection then
     /// ends at; none when the pointer is inside or everything fits.
     std::optional<uint64_t> AutoScroll(int64_t x);

@@ -5,6 +5,7 @@
 #include "effectmanager/EffectTree.h"
 #include "platform/Events.h"
 #include "platform/Text.h"
+#include "resources/Strings.h"
 #include "servicefuncs/MessageBox.h"
 #include "waveedit/WEDoc.h"
 
@@ -21,19 +22,19 @@ const char16_t* OwnerName()
     return name.c_str();
 }
 
-const char* EffectRefusal(tEffError error)
+} // namespace
+
+std::string EffectRefusal(tEffError error)
 {
     switch (error) {
     case EffectMonoOrStereoOnly:
-        return "Selected effect(s) can be used with mono or stereo sound only";
+        return LoadString(IDS_EFFECT_MONO_OR_STEREO_ONLY);
     case EffectStereoOnly:
-        return "Selected effect(s) can be used with stereo sound only";
+        return LoadString(IDS_EFFECT_STEREO_ONLY);
     default:
-        return "Can't start playing with selected effect(s)";
+        return LoadString(IDS_EFFECT_FAILED);
     }
 }
-
-} // namespace
 
 uint32_t WavePlayback::HostClock()
 {
@@ -143,7 +144,9 @@ void WavePlayback::Detach()
 /// From the cursor on. False: it does not play, and the user knows.
 bool WavePlayback::StartPlayer()
 {
+    m_starting = true;
     const bool acquired = PreparePlay();
+    m_starting = false;
     m_input.Start(m_document.Format(), m_range, m_geometry.CursorFrame, m_clock());
     m_input.SetChannel(m_geometry.SelectionChannel);
     m_cursor = m_geometry.CursorFrame;
@@ -363,7 +366,9 @@ void WavePlayback::Tick()
 {
     if (!m_playing || m_player->GetState() == CHostPlayer::Paused)
         return;
-    SetCursor(std::min(m_input.HeardFrame(m_clock()), m_document.FrameCount()));
+    const uint64_t heard = std::min(m_input.HeardFrame(m_clock()), m_document.FrameCount());
+    m_geometry.TrackPlayback(m_geometry.CursorFrame, heard);
+    SetCursor(heard);
 }
 
 void WavePlayback::SetCursor(uint64_t frame)

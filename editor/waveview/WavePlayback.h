@@ -10,11 +10,15 @@
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+#include <string>
 
 namespace ek {
 
 class CEffectTree;
 class CWEDoc;
+
+/// What the user is told when the effects in use refuse a sound.
+std::string EffectRefusal(tEffError error);
 
 /// What playback does to the view that it belongs to.
 class PlaybackSite {
@@ -51,7 +55,8 @@ public:
     WavePlayback(const WavePlayback&) = delete;
     WavePlayback& operator=(const WavePlayback&) = delete;
 
-    bool IsPlaying() const { return m_playing; } ///< also while paused
+    bool IsPlaying() const { return m_playing; }   ///< also while paused
+    bool IsStarting() const { return m_starting; } ///< the player is being asked for, and may call back meanwhile
     bool IsPaused() const { return m_paused; }
     bool CanPlay() const; ///< the document is ready and not empty
     /// The player is ours to stop: no other module holds it.
@@ -112,6 +117,7 @@ private:
 
     bool m_playing = false;
     bool m_paused = false;
+    bool m_starting = false;
     uint64_t m_savedCursor = WaveGeometry::NoFrame; // where the cursor was when playing began
     PlayRange m_range;
     uint32_t m_pauseStamp = 0;

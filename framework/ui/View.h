@@ -41,10 +41,11 @@ public:
     CDocument& Document() const { return m_document; }
     ViewSite& Site() const { return m_site; }
 
-    virtual void OnInitialUpdate() {}              ///< once, when the view is about to be shown for the first time
-    virtual void OnSkinChanged() {}                ///< colours and images are to be read again
-    virtual bool CanPlay() const { return false; } ///< whether the host's transport buttons may start playing
-    virtual void OnActivateView(bool) {}           ///< its child window was activated or deactivated
+    virtual void OnInitialUpdate() {}                ///< once, when the view is about to be shown for the first time
+    virtual void OnSkinChanged() {}                  ///< colours and images are to be read again
+    virtual bool CanPlay() const { return false; }   ///< whether the host's transport buttons may start playing
+    virtual bool IsPlaying() const { return false; } ///< from the moment it asks for the player; also while paused
+    virtual void OnActivateView(bool) {}             ///< its child window was activated or deactivated
     /// A transport command (EK_WM_COMMAND) or player message that the main frame routed here.
     virtual void OnHostMessage(MessageEvent&) {}
     void OnDocumentChanged(const DocumentChange&) override {}

@@ -83,6 +83,7 @@ bool HostPlayer::Impl::Begin()
         return false;
     }
     const PlaySetup setup = Setup();
+    Play.Hold(); // only now nothing can end by itself any more
     State = Running;
     if (Play.CanRestart(setup)) {
         Play.Restart(setup);

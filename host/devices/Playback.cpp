@@ -35,7 +35,7 @@ bool Playback::CanRestart(const PlaySetup& setup) const
 
 void Playback::Restart(const PlaySetup& setup)
 {
-    Halt();
+    Hold();
     m_setup = setup;
     ForgetBlocks();
     m_queueStart = m_queue->Restart();
@@ -48,7 +48,7 @@ void Playback::Restart(const PlaySetup& setup)
 
 void Playback::Silence()
 {
-    Halt();
+    Hold();
     CloseDevice();
 }
 
@@ -71,7 +71,7 @@ bool Playback::Continue(std::unique_ptr<OutputDevice> device, std::string& troub
 
 void Playback::Stop()
 {
-    Halt();
+    Hold();
     CloseDevice();
 }
 
@@ -117,7 +117,7 @@ void Playback::Run()
     m_thread = std::thread([this] { Pump(); });
 }
 
-void Playback::Halt()
+void Playback::Hold()
 {
     if (!m_thread.joinable())
         return;

@@ -45,8 +45,10 @@ public:
     /// Begins the sound of the setup, on the device that is open for the same wish or on one that is given. False:
     /// `trouble` says why, nothing runs and no device is open.
     bool Start(const PlaySetup& setup, std::unique_ptr<OutputDevice> device, std::string& trouble);
-    bool CanRestart(const PlaySetup& setup) const; ///< with the device that is open
-    void Restart(const PlaySetup& setup);          ///< drops what is not heard yet
+    /// No callback runs or will run, until one of the other calls lets it: the sound stands as it is.
+    void Hold();
+    bool CanRestart(const PlaySetup& setup) const; ///< with the device that is open; while on hold
+    void Restart(const PlaySetup& setup);          ///< drops what is not heard yet; if CanRestart
     /// Goes on with another device from what was heard last. False: as for Start, but the old device is gone.
     bool Continue(std::unique_ptr<OutputDevice> device, std::string& trouble);
     /// Closes a device that has failed, so that its like can be opened; Continue follows.
@@ -71,7 +73,6 @@ private:
 
     bool Use(std::unique_ptr<OutputDevice> device, std::string& trouble);
     void Run();
-    void Halt();
     void CloseDevice();
     void ForgetBlocks();
 

@@ -16,7 +16,8 @@ class CHostAudioDevice;
 using AudioCallback = uint32_t (*)(CHostAudioDevice* device, void* request, void* user);
 
 /// What the host's playback and capture devices have in common. The order of the virtual functions is the
-/// contract: the module calls them by slot. Every call is made on the user-interface thread.
+/// contract: the module calls them by slot. Every call is made on the user-interface thread, but for those of the
+/// player that a line says otherwise of.
 class CHostAudioDevice {
 public:
     enum State : int { Running = 0, Paused = 1, Stopped = 2 };
@@ -37,7 +38,9 @@ protected:
     ~CHostAudioDevice() = default;
 };
 
-/// The playback device. It is shared between modules: one owns it at a time, by module name.
+/// The playback device. It is shared between modules: one owns it at a time, by module name. SetProgress and IsLoop are
+/// also called on the pump thread, from within the callback, and so may run while the user-interface thread is in any
+/// other function; neither may wait for that thread.
 class CHostPlayer : public CHostAudioDevice {
 public:
     virtual uint32_t GetProgressRange() = 0;      ///< slot 11; full scale of the host's progress display

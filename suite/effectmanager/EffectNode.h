@@ -26,6 +26,7 @@ enum NODE_TYPE : uint32_t {
 /// A node of the effects library. It owns its effect and the nodes below it. CEffectTree moves nodes.
 class CEffectNode final : private coTree {
 public:
+    using NODE_TYPE = ek::NODE_TYPE;
     static constexpr uint32_t NoId = 0xFFFFFFFF; ///< of a node that has never been in a tree
 
     /// `effect`: a CComplexEffect for NodeComplex, a CSimpleEffect for NodeLibraryEffect and NodeSubEffect, else null.

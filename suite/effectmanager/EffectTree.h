@@ -80,7 +80,9 @@ public:
 
     // The effect in use.
 
-    void LockMorphStream() { m_lock.lock(); } ///< the thread that locks unlocks, as many times
+    /// The thread that locks unlocks, as many times. In between it calls no playback and no player: those may wait for
+    /// the thread that asks for blocks, which waits for this lock.
+    void LockMorphStream() { m_lock.lock(); }
     void UnlockMorphStream() { m_lock.unlock(); }
     /// `effect` is of a node of this tree; null: none. With an open stream it is heard from the next block on, each
     /// frame still at its place. On failure no effect is in use.

@@ -124,7 +124,6 @@ TEST_P(EveryDevice, PlaysASoundToItsEndAndSaysSoOnce)
         m_player.Choose({GetParam().System, {}, 0, m_folder / "out.wav"});
         SetUpFor(module);
         ASSERT_TRUE(m_player.Start());
-        EXPECT_EQ(m_player.GetState(), CHostPlayer::Running);
         GetParam().PlayOut(m_backend, card, module);
         EXPECT_EQ(m_player.GetState(), CHostPlayer::Stopped);
         EXPECT_EQ(module.StateAtEnd, CHostPlayer::Stopped);
@@ -195,18 +194,24 @@ TEST_F(PlayerTest, FileGoesOnThroughPausesLoopsAndRestarts)
     EXPECT_EQ(looped, Sound(module, 0, looped.size() / 2));
 
     // A module that resumes after a pause starts anew from its cursor: that must not throw the first part away.
-    FakeModule parts(2, 2048);
-    SetUpFor(parts, 1024, 1);
+    m_player.SetLoop(true);
+    FakeModule first(2, 3000);
+    SetUpFor(first);
     ASSERT_TRUE(m_player.Start());
+    first.WaitForRequests(20);
     m_player.Pause();
-    parts.GoTo(0);
+    FakeModule rest(2, 2048);
+    SetUpFor(rest);
     m_player.Pause();
+    m_player.SetLoop(false);
     ASSERT_TRUE(m_player.Start());
-    parts.Ended.Wait();
+    rest.Ended.Wait();
     const std::vector<int16_t> both = WavValues(m_folder / "loop.wav");
-    const std::vector<int16_t> whole = Sound(parts, 0, 2048);
-    ASSERT_GE(both.size(), whole.size());
-    EXPECT_TRUE(std::equal(whole.rbegin(), whole.rend(), both.rbegin()));
+    const std::vector<int16_t> tail = Sound(rest, 0, 2048);
+    ASSERT_GT(both.size(), tail.size());
+    EXPECT_TRUE(std::equal(tail.rbegin(), tail.rend(), both.rbegin()));
+    const std::vector<int16_t> head(both.begin(), both.end() - static_cast<ptrdiff_t>(tail.size()));
+    EXPECT_EQ(head, Sound(first, 0, head.size() / 2));
 }
 
 TEST_F(PlayerTest, FileIsAllOrNothingAndItsErrorsAreTold)
@@ -309,13 +314,20 @@ TEST_F(PlayerTest, ALostCardIsReplacedWhereItWasHeardLast)
     SetUpFor(module);
     m_player.Acquire(u"Module");
     ASSERT_TRUE(m_player.Start());
-    const std::vector<int16_t> heard = PullSound(first, 2 * 5000);
+    const uint64_t taken = PullSound(first, 2 * 5000).size() / 2;
     first.Unplug();
     m_told.Take();
     m_player.Watch();
     EXPECT_THAT(m_told.Take(), ElementsAre("Unplugged. Playing goes on with Fake.", "reconfigured"));
-    const std::vector<int16_t> rest = PullSound(second, 2 * (20000 - heard.size() / 2 + Latency));
-    EXPECT_EQ(rest, Sound(module, heard.size() / 2 - Latency, 20000));
+    std::vector<int16_t> rest;
+    while (second.IsStarted())
+        for (const int16_t value : WithoutSilence(second.Pull(512)))
+            rest.push_back(value);
+    // Where silence came in between, the card held less of the sound.
+    const uint64_t from = 20000 - rest.size() / 2;
+    EXPECT_GE(from, taken - Latency);
+    EXPECT_LE(from, taken);
+    EXPECT_EQ(rest, Sound(module, from, 20000));
 
     // Without another card time goes on in silence, until there is a card again.
     FakeModule longer(2, 1000000);

@@ -67,47 +67,6 @@ protected:
     const std::unique_ptr<CWEDoc> m_document = MakeDocument(m_model);
 };
 
-TEST_F(EditingTest, ALongerPasteMakesTheSoundLongerAndUndoMakesItShorterAgain)
-{
-    m_start = 100;
-    m_end = 500;
-    ASSERT_TRUE(m_document->Paste(m_start, m_end, ChannelAll));
-    EXPECT_EQ(m_end, 1100U);
-    EXPECT_EQ(m_document->FrameCount(), 5600U);
-    const CSoundBlock& undo = m_document->UndoStack().UndoBlock();
-    EXPECT_EQ(undo.FrameCount, 400U);
-    EXPECT_EQ(undo.RangeEnd(), 1100U);
-    ASSERT_TRUE(m_document->Undo(m_start, m_end));
-    EXPECT_EQ(m_end, 500U);
-    EXPECT_EQ(m_document->FrameCount(), 5000U);
-    const CSoundBlock& redo = m_document->UndoStack().RedoBlock();
-    EXPECT_EQ(redo.FrameCount, 1000U);
-    EXPECT_EQ(redo.RangeStart(), 100U);
-    EXPECT_EQ(redo.RangeEnd(), 500U);
-}
-
-TEST_F(EditingTest, OneChannelGrowsWithSilenceInTheOtherAndShrinksBackToTheIdenticalSound)
-{
-    ASSERT_TRUE(m_document->Copy(0, 1000, ChannelLeft));
-    const auto left = m_model.Copy(0, 0, 1000);
-    m_start = 4800; // to the end of the sound
-    m_end = 5000;
-    ASSERT_TRUE(m_document->Paste(m_start, m_end, ChannelRight));
-    m_model.Paste(1, 4800, 5000, left.Values);
-    EXPECT_EQ(m_end, 5800U);
-    ExpectSame(*m_document, m_model);
-    for (int turn = 0; turn < 3; ++turn) {
-        ASSERT_TRUE(m_document->Undo(m_start, m_end));
-        m_model.Undo();
-        EXPECT_EQ(m_end, 5000U);
-        ExpectSame(*m_document, m_model);
-        ASSERT_TRUE(m_document->Redo(m_start, m_end));
-        m_model.Redo();
-        EXPECT_EQ(m_end, 5800U);
-        ExpectSame(*m_document, m_model);
-    }
-}
-
 TEST_F(EditingTest, ViewsAreToldWhatChangedAndTheSoundIsModified)
 {
     Watcher watcher(*m_document);
@@ -149,23 +108,6 @@ TEST_F(EditingTest, EachStepShowsItsCaption)
     EXPECT_EQ(captions.Take()[0], "Storing Undo... (Cancel)");
     ASSERT_TRUE(m_document->Delete(0, 100, ChannelRight));
     EXPECT_TRUE(captions.Take()[0].starts_with("Deleting..."));
-}
-
-TEST_F(EditingTest, TenStepsCanBeUndoneAndANewOneEndsWhatCouldBeRedone)
-{
-    for (int i = 0; i < 11; ++i)
-        ASSERT_TRUE(m_document->Paste(m_start = 0, m_end = 0, ChannelAll));
-    EXPECT_EQ(m_document->UndoStack().Count(), 10U);
-    for (int i = 0; i < 10; ++i)
-        ASSERT_TRUE(m_document->Undo(m_start, m_end));
-    EXPECT_FALSE(m_document->Undo(m_start, m_end));
-    EXPECT_EQ(m_document->FrameCount(), 6000U);
-    EXPECT_EQ(m_document->UndoStack().FillRedoList(), Texts(10, "Pasting..."));
-    ASSERT_TRUE(m_document->Delete(0, 1, ChannelAll, "Cut"));
-    EXPECT_FALSE(m_document->CanRedo());
-    EXPECT_EQ(m_document->UndoStack().FillUndoList(), Texts{"Cut"});
-    EXPECT_EQ(m_document->UndoStack().LastName(), "Cut");
-    EXPECT_EQ(m_folder.TempFileCount(), FilesOf(*m_document));
 }
 
 TEST_F(EditingTest, WhatTheSoundDoesNotHaveIsRefusedAndNothingHappens)

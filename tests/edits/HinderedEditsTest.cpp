@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "EditTest.h"
+#include "FailingAllocation.h"
+#include "debugmanager/DebugManager.h"
 #include "support/CancelAt.h"
 #include "support/FaultyFileCalls.h"
 
 #include <atomic>
 #include <cerrno>
-#include <random>
-#include <thread>
 
 namespace ek {
 namespace {
@@ -26,53 +26,23 @@ std::ostream& operator<<(std::ostream& out, const Operation& operation)
     return out << operation.Name;
 }
 
-/// What every cancelling presenter does: shows a progress plainly and knows it while it is shown.
-class ShownProgress : public ProgressPresenter {
+/// Presses Cancel at the n-th reading of a file while a progress is shown: in the same chunk every time.
+class CancelAtRead : public ProgressPresenter, public FileCalls {
 public:
-    ShownProgress() { SetProgressPresenter(this); }
-    ~ShownProgress() override { SetProgressPresenter(nullptr); }
-    ShownProgress(const ShownProgress&) = delete;
-    ShownProgress& operator=(const ShownProgress&) = delete;
+    explicit CancelAtRead(int nth) : m_nth(nth), m_installed(*this) { SetProgressPresenter(this); }
+    ~CancelAtRead() override { SetProgressPresenter(nullptr); }
+    CancelAtRead(const CancelAtRead&) = delete;
+    CancelAtRead& operator=(const CancelAtRead&) = delete;
 
     WorkResult Show(CProgressDlg& progress) override
     {
         m_progress = &progress;
         progress.Begin();
-        Watch(progress);
         const WorkResult result = progress.WaitResult();
         m_progress = nullptr;
         progress.End();
         return result;
     }
-
-protected:
-    virtual void Watch(CProgressDlg&) {}
-
-    std::atomic<CProgressDlg*> m_progress = nullptr;
-};
-
-/// Presses Cancel when a progress has come so far, which is anywhere in long work.
-class CancelBetween final : public ShownProgress {
-public:
-    explicit CancelBetween(uint32_t seed) : m_random(seed) {}
-
-private:
-    void Watch(CProgressDlg& progress) override
-    {
-        const uint32_t position = std::uniform_int_distribution<uint32_t>(0, 150)(m_random); // some never
-        while (!progress.HasResult() && progress.Position() < position)
-            std::this_thread::yield();
-        progress.Cancel();
-    }
-
-    std::mt19937 m_random;
-};
-
-/// Presses Cancel at the n-th reading of a file while a progress is shown: in the same chunk every time.
-class CancelAtRead final : public ShownProgress, public FileCalls {
-public:
-    explicit CancelAtRead(int nth) : m_nth(nth), m_installed(*this) {}
-
     ssize_t PRead(int descriptor, void* buffer, size_t length, off_t position) override
     {
         CProgressDlg* const progress = m_progress;
@@ -85,6 +55,7 @@ public:
 private:
     const int m_nth;
     std::atomic<int> m_count = 0;
+    std::atomic<CProgressDlg*> m_progress = nullptr;
     ScopedFileCalls m_installed;
 };
 
@@ -241,6 +212,24 @@ TEST_P(HinderedEdit, IsRefusedWhereverTheDiskBecomesFull)
     FailEachCall(FullDisk, true);
 }
 
+TEST_P(HinderedEdit, IsDoneOrNotBegunWhicheverAllocationFails)
+{
+    bool failed = true;
+    for (uint64_t nth = 0; failed; ++nth) {
+        SCOPED_TRACE(testing::Message() << "allocation " << nth);
+        ASSERT_NO_FATAL_FAILURE(Prepare());
+        bool done = false;
+        {
+            const FailingAllocation allocation(nth);
+            done = Run();
+            failed = allocation.HasFailed();
+        }
+        ASSERT_EQ(m_prompts.Messages().size() - m_messages, done ? 0U : 1U);
+        ASSERT_NO_FATAL_FAILURE(ExpectDoneOrUntouched(done));
+        ASSERT_TRUE(done || failed);
+    }
+}
+
 TEST_P(HinderedEdit, IsDoneOrNotBegunWhereverItIsCancelled)
 {
     const auto expectRight = [this](const ProgressPresenter&) {
@@ -259,10 +248,6 @@ TEST_P(HinderedEdit, IsDoneOrNotBegunWhereverItIsCancelled)
         expectRight(cancel);
         reached = cancel.IsReached();
     }
-    for (uint32_t seed = 1; seed <= 5 && !HasFailure(); ++seed) {
-        Prepare(10);
-        expectRight(CancelBetween(seed));
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, HinderedEdit,
@@ -278,52 +263,118 @@ INSTANTIATE_TEST_SUITE_P(Each, HinderedEdit,
                                          Operation{"Redo", Kind::Redo, SoundModel::AllChannels, 1, 2}),
                          [](const auto& info) { return info.param.Name; });
 
-class HinderedDocument : public EditTest {};
-
-TEST_F(HinderedDocument, SilencingThatIsCancelledCountsAsFarAsItGot)
-{
-    EditModel model = Noise(1, 2, 30000);
-    const auto document = MakeDocument(model);
-    ASSERT_TRUE(document->Store().FlushPages());
+/// The clipboard holds 100 frames of a document of 30,000.
+class HinderedCopy : public EditTest {
+protected:
+    void CopyShort()
     {
-        const CancelAtRead cancel(1);
-        ASSERT_TRUE(document->Delete(1000, 29000, ChannelRight, "Cut"));
+        ASSERT_TRUE(m_document->Copy(0, 100, ChannelAll));
+        ASSERT_TRUE(m_document->Store().FlushPages());
+        m_messages = m_prompts.Messages().size();
     }
-    constexpr uint64_t Chunk = CWaveDataProcessor::ChunkBytes / 4;
-    model.Delete(1, 1000, 1000 + Chunk, "Cut");
-    ExpectSame(*document, model);
-    uint64_t start = 0;
-    uint64_t end = 0;
-    ASSERT_TRUE(document->Undo(start, end));
-    model.Undo();
-    EXPECT_EQ(end - start, Chunk);
-    ExpectSame(*document, model);
+    /// Nothing is lost and nothing left over, and what went wrong was told once.
+    void ExpectCopied(bool copied, uint64_t otherwise, bool told)
+    {
+        ASSERT_EQ(SoundClipboard().FrameCount, copied ? 30000U : otherwise);
+        ASSERT_EQ(m_prompts.Messages().size() - m_messages, told ? 1U : 0U);
+        ASSERT_EQ(m_folder.TempFileCount(), FilesOf(*m_document));
+        ExpectSame(*m_document, m_model);
+    }
+
+    const EditModel m_model = Noise(1, 2, 30000);
+    const std::unique_ptr<CWEDoc> m_document = MakeDocument(m_model);
+    size_t m_messages = 0;
+};
+
+TEST_F(HinderedCopy, KeepsTheOldSoundWhicheverFileCallFailsOrWhereverItIsCancelled)
+{
+    FaultyFileCalls calls(".eke", BadDisk);
+    bool failed = true;
+    for (uint64_t nth = 1; failed; ++nth) {
+        SCOPED_TRACE(testing::Message() << "fault " << nth);
+        ASSERT_NO_FATAL_FAILURE(CopyShort());
+        calls.FailCall(nth, EIO);
+        const bool copied = m_document->Copy(0, 30000, ChannelLeft);
+        failed = calls.HasFailed();
+        calls.StopFailing();
+        ASSERT_NO_FATAL_FAILURE(ExpectCopied(copied, 100, !copied));
+        ASSERT_TRUE(copied || failed);
+    }
+    for (int nth = 1, reached = 1; reached != 0; ++nth) {
+        ASSERT_NO_FATAL_FAILURE(CopyShort());
+        const CancelAtRead cancel(nth);
+        const bool copied = m_document->Copy(0, 30000, ChannelAll);
+        reached = cancel.IsReached();
+        ASSERT_NO_FATAL_FAILURE(ExpectCopied(copied, 100, false));
+        ASSERT_NE(copied, reached);
+    }
 }
 
-TEST_F(HinderedDocument, ACopyThatFailsLeavesAnEmptyClipboardAndTheSoundAsItWas)
+TEST_F(HinderedCopy, KeepsTheOldSoundWhicheverAllocationFails)
 {
-    const EditModel model = Noise(1, 2, 30000);
-    const auto document = MakeDocument(model);
-    FaultyFileCalls calls(".eke", BadDisk);
-    for (uint64_t nth = 1;; ++nth) {
-        ASSERT_TRUE(document->Copy(0, 100, ChannelAll));
-        ASSERT_TRUE(document->Store().FlushPages());
-        const size_t told = m_prompts.Messages().size();
-        calls.FailCall(nth, EIO);
-        const bool copied = document->Copy(0, 30000, ChannelLeft);
-        const bool failed = calls.HasFailed();
-        calls.StopFailing();
-        ASSERT_EQ(CWEDoc::IsClipboardEmpty(), !copied);
-        ASSERT_EQ(m_prompts.Messages().size() - told, copied ? 0U : 1U);
-        ExpectSame(*document, model);
-        if (!failed)
-            break;
+    bool failed = true;
+    for (uint64_t nth = 0; failed; ++nth) {
+        SCOPED_TRACE(testing::Message() << "allocation " << nth);
+        ASSERT_NO_FATAL_FAILURE(CopyShort());
+        bool copied = false;
+        {
+            const FailingAllocation allocation(nth);
+            copied = m_document->Copy(0, 30000, ChannelAll);
+            failed = allocation.HasFailed();
+        }
+        ASSERT_NO_FATAL_FAILURE(ExpectCopied(copied, 100, !copied));
+        ASSERT_TRUE(copied || failed);
     }
-    for (uint32_t seed = 0; seed < 20; ++seed) {
-        const CancelBetween cancel(seed);
-        const bool copied = document->Copy(0, 30000, ChannelAll);
-        ASSERT_EQ(SoundClipboard().FrameCount, copied ? 30000U : 0U);
+}
+
+TEST_F(HinderedCopy, GivesUpTheOldSoundOnlyWhereThereIsNoRoomForBothAndSaysSo)
+{
+    struct RoomForOneSound : CancelAtRead {
+        using CancelAtRead::CancelAtRead;
+        int FAllocate(int descriptor, off_t size) override
+        {
+            return Full || SoundClipboard().Data ? ENOSPC : FileCalls::FAllocate(descriptor, size);
+        }
+        bool Full = false;
+    };
+    CopyShort();
+    {
+        RoomForOneSound disk(1);
+        ASSERT_FALSE(m_document->Copy(0, 30000, ChannelAll));
     }
+    ASSERT_NO_FATAL_FAILURE(ExpectCopied(false, 0, true));
+    EXPECT_EQ(m_prompts.Messages().back(), "The clipboard is empty now.");
+    CopyShort();
+    RoomForOneSound disk(1000);
+    EXPECT_TRUE(m_document->Copy(0, 30000, ChannelAll));
+    ASSERT_NO_FATAL_FAILURE(ExpectCopied(true, 0, false));
+    disk.Full = true;
+    EXPECT_FALSE(m_document->Copy(0, 30000, ChannelAll));
+    ASSERT_NO_FATAL_FAILURE(ExpectCopied(false, 0, true));
+    EXPECT_TRUE(m_prompts.Messages().back().ends_with(" The clipboard is empty now."));
+}
+
+TEST_F(HinderedCopy, ABlockNamesNoFileWhileItHasNoneAndTheLogSaysWhy)
+{
+    CSoundBlock block;
+    enDebugManager().CollectLines();
+    FaultyFileCalls disk(".ekesb", FaultyFileCalls::Allocations | FaultyFileCalls::Opens);
+    disk.FailFrom(1, EIO);
+    EXPECT_FALSE(block.Create(1000, m_document->Format(), nullptr, ChannelAll));
+    EXPECT_TRUE(block.FileName().empty());
+    const auto lines = enDebugManager().TakeLines();
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_TRUE(lines[0].Text.starts_with("Error: Failed to create temporary file \"" + m_folder.TempPath().string()));
+    EXPECT_NE(lines[1].Text.find("folder \"" + m_folder.TempPath().string() + "\": " + IoStatus(EIO).Text()),
+              std::string::npos);
+    disk.StopFailing();
+    ASSERT_TRUE(block.Create(1000, m_document->Format(), nullptr, ChannelAll));
+    const std::filesystem::path file = block.FileName();
+    EXPECT_TRUE(IsFile(file));
+    block.Free();
+    EXPECT_TRUE(block.FileName().empty());
+    EXPECT_FALSE(block.OpenFile(file, m_document->Format()));
+    EXPECT_TRUE(block.FileName().empty());
 }
 
 } // namespace

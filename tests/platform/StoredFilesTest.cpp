@@ -91,9 +91,9 @@ TEST(MappedFileTest, AFailedCreationLeavesNoFileAndNoDescriptor)
     for (const FaultyFileCalls::Kind kind :
          {FaultyFileCalls::Opens, FaultyFileCalls::Allocations, FaultyFileCalls::Mappings}) {
         FaultyFileCalls calls({}, kind);
-        calls.FailCall(1, ENOSPC);
+        calls.FailCall(1, EIO);
         MappedFile file;
-        EXPECT_EQ(file.CreateTemporary(100).Errno(), ENOSPC) << kind;
+        EXPECT_EQ(file.CreateTemporary(100).Errno(), EIO) << kind;
         EXPECT_EQ(file.Data(), nullptr);
         EXPECT_EQ(folder.TempFileCount(), 0u) << kind;
         EXPECT_EQ(calls.OpenDescriptors(), 0) << kind;

@@ -259,7 +259,7 @@ TEST_F(ExportTest, AFaultAtAnyFileCallLeavesTheOldFileAndIsTold)
         for (;; ++faults) {
             SCOPED_TRACE(testing::Message() << values << " values, fault " << faults + 1);
             const size_t told = m_prompts.Messages().size();
-            calls.FailCall(faults + 1, ENOSPC);
+            calls.FailCall(faults + 1, EIO);
             const bool saved = m_store.SaveFile(m_target, true, nullptr);
             const bool failed = calls.HasFailed();
             calls.StopFailing();

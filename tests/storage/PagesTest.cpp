@@ -150,24 +150,6 @@ TEST_F(StoreTest, NewRoomIsSilentAllocatedAndInFilesOfOnePage)
     EXPECT_EQ(m_folder.TempFileCount(), 0U);
 }
 
-TEST_F(StoreTest, RoomInTheMiddleOfAFileSplitsItWhereItIsTooLongForOne)
-{
-    CWaveData store;
-    SoundModel model{2, MakeNoise(1, Page / 2)};
-    Fill(store, model);
-    const std::filesystem::path front = store.TempFiles().front().Name;
-    ASSERT_TRUE(store.InsertSpace(1200, 1200, 800));
-    model.Insert(300, std::vector<int16_t>(400));
-    ExpectSameSound(store, model);
-    ASSERT_EQ(store.TempFiles().size(), 2U);
-    EXPECT_EQ(store.TempFiles().front().Name, front);
-    EXPECT_EQ(store.TempFiles().front().Length, 1200U);
-    ASSERT_TRUE(store.InsertSpace(400, 400, 4));
-    model.Insert(100, std::vector<int16_t>(2));
-    ExpectSameSound(store, model);
-    EXPECT_EQ(store.TempFiles().size(), 2U); // a short file takes the room in
-}
-
 TEST_F(StoreTest, WhatIsCutGoesAlongAndWhatFitsIsJoined)
 {
     const auto layout = [](const CWaveData& store) {
@@ -199,27 +181,6 @@ TEST_F(StoreTest, RoomMayLieAnywhereInTheRangeThatIsOverwritten)
     EXPECT_EQ(store.FrameCount(), 3500U);
     EXPECT_EQ(ReadFrames(store, 0, 500), MakeRamp(500));
     EXPECT_EQ(ReadFrames(store, 2800, 3500), MakeRamp(700, 2300));
-}
-
-TEST_F(StoreTest, FilesInsideARemovedRangeAreGoneAndTheOneBeforeItKeepsItsBytes)
-{
-    CWaveData store;
-    SoundModel model{2, MakeNoise(2, 5 * Page / 4)};
-    Fill(store, model);
-    const std::filesystem::path front = store.TempFiles().front().Name;
-    ASSERT_TRUE(store.RemoveData(Page - 800, 2 * Page + 4000));
-    model.Remove(Page / 4 - 200, Page / 2 + 1000);
-    ExpectSameSound(store, model);
-    ASSERT_EQ(store.TempFiles().size(), 2U);
-    EXPECT_EQ(store.TempFiles().front().Name, front);
-    EXPECT_EQ(std::filesystem::file_size(front), Page);
-    EXPECT_EQ(m_folder.TempFileCount(), 2U);
-
-    ASSERT_TRUE(store.RemoveData(400, Page - 800));
-    model.Remove(100, Page / 4 - 200);
-    ExpectSameSound(store, model);
-    EXPECT_EQ(store.TempFiles().size(), 1U); // what is left fits into one
-    EXPECT_EQ(m_folder.TempFileCount(), 1U);
 }
 
 TEST_F(StoreTest, ACopyLivesOnWithoutItsSource)

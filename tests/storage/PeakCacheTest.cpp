@@ -70,29 +70,5 @@ TEST_F(StoreTest, AllPeaksOfALongSoundAreComputedAfterChangesThatAreStillInMemor
     EXPECT_EQ(LoggedTexts().back(), "Creating cache256 for file \"\".");
 }
 
-TEST_F(StoreTest, PeaksOfAPartReachFromItsFirstBlockToItsLast)
-{
-    CWaveData store;
-    SoundModel model{2, MakeRamp(20000)};
-    Fill(store, model);
-    const std::vector<int16_t> loud(400, 30000);
-    store.WriteData(loud.data(), 300 * 4, 800);
-    model.Write(300, loud);
-    ASSERT_TRUE(store.RebuildPeakCachePart(300, 200, 200, ChannelAll));
-    ExpectSamePeaks(store, model);
-
-    ASSERT_TRUE(store.InsertSpace(5000 * 4, 5000 * 4, 300 * 4));
-    model.Insert(5000, std::vector<int16_t>(600));
-    ASSERT_TRUE(store.RebuildPeakCachePart(5000, 0, 300, ChannelAll));
-    ExpectSamePeaks(store, model);
-
-    ASSERT_TRUE(store.RemoveData(0, 9000 * 4));
-    model.Remove(0, 9000);
-    ASSERT_TRUE(store.RebuildPeakCachePart(0, 9000, 0, ChannelAll));
-    ExpectSamePeaks(store, model);
-    EXPECT_EQ(store.Peaks().ByteSize(), 10300 / 256 * 4 + 4U); // arrays never shrink
-    EXPECT_EQ(LoggedTexts().back(), "Creating part of cache256 for file \"\".");
-}
-
 } // namespace
 } // namespace ek

@@ -179,11 +179,6 @@ void* FaultyFileCalls::MMap(size_t length, int descriptor)
     return FailsFor(Mappings, descriptor) ? MAP_FAILED : FileCalls::MMap(length, descriptor);
 }
 
-void* FaultyFileCalls::MMapForReading(void* place, size_t length, int descriptor, off_t position)
-{
-    return FailsFor(Mappings, descriptor) ? MAP_FAILED : FileCalls::MMapForReading(place, length, descriptor, position);
-}
-
 int FaultyFileCalls::Rename(const char* from, const char* to)
 {
     const std::lock_guard lock(m_mutex);

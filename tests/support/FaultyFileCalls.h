@@ -54,7 +54,6 @@ public:
     int FTruncate(int descriptor, off_t size) override;
     int FChMod(int descriptor, mode_t mode) override;
     void* MMap(size_t length, int descriptor) override;
-    void* MMapForReading(void* place, size_t length, int descriptor, off_t position) override;
     int Rename(const char* from, const char* to) override;
     int Unlink(const char* path) override;
     ssize_t CopyRange(int from, int to, size_t length) override;

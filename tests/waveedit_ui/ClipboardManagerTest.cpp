@@ -3,11 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMimeData>
 #include <QRegularExpression>
+
+#include <cstdlib>
 
 namespace ek {
 namespace {
@@ -85,6 +88,17 @@ TEST(ClipboardManager, ThePictureFollowsTheDragThroughTheWindows)
     Manager().SetDragImageList(nullptr);
     EXPECT_EQ(pictureIn(first), nullptr);
     EXPECT_FALSE(Manager().HasDragImage());
+}
+
+TEST(ClipboardManagerDeathTest, TheImagesGoWithTheApplicationObject)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // another process, whose application may go
+    const auto end = [] {
+        Manager().SetDragImageList(std::make_unique<DragImageList>(DragImageList{QPixmap(8, 8)}));
+        static_cast<QApplication*>(qApp)->~QApplication();
+        std::_Exit(Manager().HasDragImage() ? 1 : 0);
+    };
+    EXPECT_EXIT(end(), testing::ExitedWithCode(0), "");
 }
 
 } // namespace

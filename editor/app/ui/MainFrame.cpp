@@ -24,6 +24,7 @@
 #include "servicefuncs/MessageBox.h"
 #include "skincontrols/Skin.h"
 #include "waveedit/WEDoc.h"
+#include "waveview/WavePlayback.h"
 #include "xml/enXml.h"
 
 #include <QApplication>
@@ -61,6 +62,7 @@ CMainFrame::CMainFrame(QWidget* parent, CEkEditorApp& app, CHostFrame* host)
     if (CDocTemplate* waves = m_app.FindTemplate(m_app.WaveTemplateName()))
         waves->SetFrameMaker([this](CDocument& document) { return MakeWaveFrame(document); });
     CreateEffectTree();
+    m_menu.SetMorphEffects(*m_effectTree);
     setAcceptDrops(true);
     LoadSkin();
     UpdateTitle();
@@ -76,6 +78,7 @@ CMainFrame::~CMainFrame()
     for (QMdiSubWindow* window : m_client->subWindowList())
         delete window;
     DeleteEffectTree();
+    SoundClipboard().Free(); // here: a host that is ended by a signal does not come to the end of the program
     if (CDocTemplate* waves = m_app.FindTemplate(m_app.WaveTemplateName()))
         waves->SetFrameMaker({});
     SetDocumentSite(nullptr);
@@ -237,7 +240,7 @@ bool CMainFrame::HandleCommand(uint32_t id, int code, void* extra)
         CommandUi unasked{.Id = id};
         return OnCmdMsg(id, CN_UPDATE_COMMAND_UI, extra ? static_cast<CommandUi*>(extra) : &unasked);
     }
-    if (code != CN_COMMAND || IsWorkRunning())
+    if (code != CN_COMMAND)
         return false;
     MessageEvent message(EK_WM_COMMAND, id, reinterpret_cast<intptr_t>(extra));
     return OnHostMessage(message);
@@ -413,6 +416,7 @@ std::span<const CommandEntry> CMainFrame::CommandTable() const
 {
     static constexpr CommandEntry table[] = {
         CommandRange<CMainFrame, &CMainFrame::OnRecentFile>(ID_RECENT_FIRST, ID_RECENT_LAST),
+        CommandRange<CMainFrame, &CMainFrame::OnMorph, &CMainFrame::OnUpdateMorph>(ID_MORPH_FIRST, ID_MORPH_LAST),
         Command<CMainFrame, &CMainFrame::OnAbout>(ID_ABOUT),
         Command<CMainFrame, &CMainFrame::OnRecord, &CMainFrame::OnUpdateRecord>(ID_RECORD),
     };
@@ -426,6 +430,32 @@ void CMainFrame::OnRecentFile(uint32_t id)
         return;
     OpenFile(path);
     UpdateRecentMenu();
+}
+
+/// Null: the library has lost it since the menu was made.
+CEffectNode* CMainFrame::MorphNode(uint32_t id) const
+{
+    return m_effectTree->GetRootNode().FindNode(id - ID_MORPH_FIRST);
+}
+
+/// What is in use goes out of use when it is chosen again, and stays in use when another effect does not fit the sound
+/// that plays.
+void CMainFrame::OnMorph(uint32_t id)
+{
+    CEffectAbstract* const before = m_effectTree->GetSoundMorphEffect();
+    CEffectAbstract* const chosen = MorphNode(id)->GetEffect();
+    const tEffError error = m_effectTree->SetSoundMorphEffect(chosen == before ? nullptr : chosen);
+    if (error == EffectSuccess)
+        return;
+    m_effectTree->SetSoundMorphEffect(before);
+    AfxSCMessageBox(EffectRefusal(error));
+}
+
+void CMainFrame::OnUpdateMorph(CommandUi& ui)
+{
+    const CEffectNode* const node = MorphNode(ui.Id);
+    ui.Enabled = node != nullptr;
+    ui.Checked = node && node->GetEffect() && node->GetEffect() == m_effectTree->GetSoundMorphEffect();
 }
 
 void CMainFrame::OnAbout()

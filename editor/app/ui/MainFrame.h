@@ -17,6 +17,7 @@
 
 namespace ek {
 
+class CEffectNode;
 class CEkEditorApp;
 class CHostFrame;
 class CHostPlayer;
@@ -104,7 +105,11 @@ private:
     void UpdateRecentMenu();
     void UpdateTitle();
 
+    CEffectNode* MorphNode(uint32_t id) const;
+
     void OnRecentFile(uint32_t id);
+    void OnMorph(uint32_t id);
+    void OnUpdateMorph(CommandUi& ui);
     void OnAbout();
     void OnRecord() {}
     void OnUpdateRecord(CommandUi& ui) { ui.Enabled = false; }

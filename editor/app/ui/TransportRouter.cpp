@@ -31,7 +31,8 @@ std::optional<bool> TransportRouter::Route(MessageEvent& message, CView* activeV
 {
     switch (message.Id) {
     case EK_WM_TAKE_PLAYER:
-        ActivateCurrentView(activeView);
+        if (!m_current || !CurrentView()->IsPlaying())
+            ActivateCurrentView(activeView);
         return SendToCurrent(message);
     case EK_WM_RELEASE_PLAYER:
         return SendLast(message);

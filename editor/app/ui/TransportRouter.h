@@ -12,7 +12,8 @@ namespace ek {
 
 class CView;
 
-/// Knows the view that plays, and sends it what the host's transport buttons and player say.
+/// Knows the view that plays, and sends it what the host's transport buttons and player say. Only the play button
+/// passes over from a view that plays to another one; that the player is to be taken may just mean another device.
 class TransportRouter {
 public:
     /// `frame` is the main frame's widget: requests to the host go to its parent's parent.

@@ -4,6 +4,7 @@
 #include "debugmanager/DebugManager.h"
 
 #include <QClipboard>
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMimeData>
@@ -24,6 +25,11 @@ quintptr LoadAddress()
     return reinterpret_cast<quintptr>(info.dli_fbase);
 }
 
+void DropDragImages()
+{
+    CClipboardManager::GetInstance().SetDragImageList(nullptr);
+}
+
 } // namespace
 
 CClipboardManager& CClipboardManager::GetInstance()
@@ -35,9 +41,13 @@ CClipboardManager& CClipboardManager::GetInstance()
 CClipboardManager::CClipboardManager()
     : m_format(QStringLiteral("NCDF:%1:%2").arg(QString::fromUtf8(ModuleName)).arg(LoadAddress(), 0, 16))
 {
+    qAddPostRoutine(DropDragImages);
 }
 
-CClipboardManager::~CClipboardManager() = default;
+CClipboardManager::~CClipboardManager()
+{
+    qRemovePostRoutine(DropDragImages); // the module may be unloaded before the application goes
+}
 
 void CClipboardManager::ClearClipboard()
 {

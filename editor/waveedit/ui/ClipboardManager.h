@@ -35,7 +35,8 @@ public:
     bool HasValue(const QMimeData* data = nullptr) const;
     uint32_t GetValue(const QMimeData* data = nullptr) const; ///< 0: there is none that can be read
 
-    void SetDragImageList(std::unique_ptr<DragImageList> images); ///< null: none; ends a drag that is shown
+    /// Null: none. Ends a drag that is shown. The images go with the application object, which they may not outlive.
+    void SetDragImageList(std::unique_ptr<DragImageList> images);
     bool HasDragImage() const { return m_images != nullptr; }
 
     // The picture is a small widget inside the window that the pointer is over, because not every display lets a

@@ -35,6 +35,7 @@ public:
     void OnDocumentChanged(const DocumentChange& change) override;
     void OnHostMessage(MessageEvent& message) override;
     bool CanPlay() const override { return HasSound(); }
+    bool IsPlaying() const override { return m_playback.IsPlaying() || m_playback.IsStarting(); }
     void OnActivateView(bool active) override { m_isActive = active; }
 
     CWEDoc& WaveDocument() const { return static_cast<CWEDoc&>(Document()); }

@@ -66,10 +66,7 @@ void CWEView::ShowWaveMenu(QPoint place)
     const uint32_t menu = WaveMenuOf(WaveDocument().ChannelCount());
     if (menu == 0)
         return;
-    PopUpCommandMenu(*this, *this, menu, place, [this](uint32_t id) {
-        const auto channel = ChannelOfCommand(id);
-        return !channel || (HasSound() && HoldsChannel(WaveDocument().Format(), *channel));
-    });
+    PopUpCommandMenu(*this, *this, menu, place);
 }
 
 void CWEView::OnCopy()
@@ -142,7 +139,8 @@ void CWEView::OnSelect(uint32_t id)
 
 void CWEView::OnUpdateSelect(CommandUi& ui)
 {
-    ui.Enabled = HasSound();
+    const auto channel = ChannelOfCommand(ui.Id);
+    ui.Enabled = HasSound() && channel && HoldsChannel(WaveDocument().Format(), *channel);
 }
 
 void CWEView::OnNextChannel()

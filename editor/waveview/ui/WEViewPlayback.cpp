@@ -40,18 +40,25 @@ void CWEView::RunTransport(uint32_t id, intptr_t parameter)
     static constexpr struct {
         uint32_t Id;
         void (WavePlayback::*Run)();
-    } actions[] = {{ID_TRANSPORT_START, &WavePlayback::JumpToStart}, {ID_TRANSPORT_BACK, &WavePlayback::JumpBack},
-                   {ID_TRANSPORT_PLAY, &WavePlayback::Play},         {ID_TRANSPORT_PAUSE, &WavePlayback::PauseOrResume},
-                   {ID_TRANSPORT_STOP, &WavePlayback::Stop},         {ID_TRANSPORT_FORWARD, &WavePlayback::JumpForward},
-                   {ID_TRANSPORT_END, &WavePlayback::JumpToEnd}};
+        bool IsJump;
+    } actions[] = {{ID_TRANSPORT_START, &WavePlayback::JumpToStart, true},
+                   {ID_TRANSPORT_BACK, &WavePlayback::JumpBack, true},
+                   {ID_TRANSPORT_PLAY, &WavePlayback::Play, false},
+                   {ID_TRANSPORT_PAUSE, &WavePlayback::PauseOrResume, false},
+                   {ID_TRANSPORT_STOP, &WavePlayback::Stop, false},
+                   {ID_TRANSPORT_FORWARD, &WavePlayback::JumpForward, true},
+                   {ID_TRANSPORT_END, &WavePlayback::JumpToEnd, true}};
     EndDrag();
-    for (const auto& action : actions) {
-        if (action.Id == id)
-            (m_playback.*action.Run)();
-    }
-    if (id == ID_TRANSPORT_POSITION)
+    bool isJump = id == ID_TRANSPORT_POSITION;
+    if (isJump)
         m_playback.SeekToPercent(static_cast<uint32_t>(std::clamp<intptr_t>(parameter, 0, 100)));
-    if (id != ID_TRANSPORT_STOP && m_geometry.EnsureCursorVisible(false)) // a jump while paused
+    for (const auto& action : actions) {
+        if (action.Id == id) {
+            (m_playback.*action.Run)();
+            isJump = action.IsJump;
+        }
+    }
+    if (isJump && m_geometry.EnsureCursorVisible(false))
         ApplyScroll();
 }
 
@@ -65,13 +72,10 @@ void CWEView::StopOwnPlayback()
 /// A tick of playback repaints no more than the columns that the cursor left and reached.
 void CWEView::OnCursorMoved(uint64_t oldCursor)
 {
-    if (m_playback.IsPlaying()) {
-        m_geometry.TrackPlayback(oldCursor);
-        if (m_geometry.FollowPlayback && m_geometry.EnsureCursorVisible(true)) {
-            m_wave.CursorLit = true;
-            ApplyScroll();
-            return;
-        }
+    if (m_playback.IsPlaying() && m_geometry.FollowPlayback && m_geometry.EnsureCursorVisible(true)) {
+        m_wave.CursorLit = true;
+        ApplyScroll();
+        return;
     }
     const bool wasLit = std::exchange(m_wave.CursorLit, true);
     const int64_t before = m_wave.CursorOffset;
