@@ -15,6 +15,8 @@ void PositionQueue::Push(uint32_t stamp, uint64_t frame)
         m_marks.back() = mark;
         return;
     }
+    while (!m_marks.empty() && StampDifference(m_marks.back().Stamp, stamp) < 0)
+        m_marks.pop_back();
     if (!m_marks.empty())
         m_paces = PacesTo(m_marks.back(), mark);
     if (m_marks.size() == Capacity)

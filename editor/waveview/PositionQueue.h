@@ -24,8 +24,9 @@ public:
     static constexpr double Tolerance = 4; ///< milliseconds that a mark may lie off its line: devices stamp unevenly
 
     void Clear() { m_marks.clear(); }
-    void Push(uint32_t stamp, uint64_t frame); ///< neither goes back
-    void Delay(uint32_t milliseconds);         ///< everything is heard that much later
+    /// Frames do not go back. A stamp that does, as with another device, makes what was to be heard later untrue.
+    void Push(uint32_t stamp, uint64_t frame);
+    void Delay(uint32_t milliseconds); ///< everything is heard that much later
 
     /// The frame heard at `stamp`, between two marks in proportion to the time; before the first and past the last
     /// mark the frame of that one; 0 without marks.

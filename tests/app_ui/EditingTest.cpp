@@ -28,9 +28,9 @@ protected:
         }
         return nullptr;
     }
-    bool Send(uint32_t id, uintptr_t wParam = 0)
+    bool Send(uint32_t id, uintptr_t wParam = 0, intptr_t lParam = 0)
     {
-        MessageEvent message(id, wParam, 0);
+        MessageEvent message(id, wParam, lParam);
         QCoreApplication::sendEvent(m_frame, &message);
         return message.isAccepted();
     }
@@ -62,6 +62,8 @@ TEST_F(EditingTest, TheArrowOfUndoOpensItsListBelowTheButton)
     EXPECT_EQ(sound.UndoStack().Current(), 0);
     m_frame->OnIdle();
     EXPECT_TRUE(ButtonOf(ID_EDIT_REDO)->isEnabled());
+    delete m_frame;
+    EXPECT_EQ(SoundClipboard().Data, nullptr) << "nor does its file stay";
 }
 
 TEST_F(EditingTest, AnotherWindowsPlayStopsTheOneThatPlays)
@@ -77,6 +79,27 @@ TEST_F(EditingTest, AnotherWindowsPlayStopsTheOneThatPlays)
     EXPECT_EQ(m_host.Calls.Count("Player.Stop()"), 1u);
     EXPECT_EQ(Starts(), 1u);
     EXPECT_NE(m_frame->CurrentView(), first);
+}
+
+TEST_F(EditingTest, TakingThePlayerAnewLeavesTheViewThatPlaysInItsPlace)
+{
+    OpenSound();
+    const CView* first = m_frame->ActiveView();
+    Send(EK_WM_TAKE_PLAYER);
+    EXPECT_TRUE(m_frame->OpenFile(MakeSound("two.wav")));
+    int grants = 0;
+    m_host.Player.OnGranted = [&] { grants += Send(EK_WM_TAKE_PLAYER) ? 1 : 0; };
+    Send(EK_WM_COMMAND, ID_TRANSPORT_POSITION, 50);
+    EXPECT_EQ(grants, 1);
+    EXPECT_EQ(m_frame->CurrentView(), first) << "it was just being started";
+    m_host.Calls.Take();
+    Send(EK_WM_TAKE_PLAYER); // another device
+    EXPECT_EQ(m_frame->CurrentView(), first);
+    EXPECT_EQ(m_host.Calls.Count("Player.Stop()"), 0u);
+    EXPECT_TRUE(first->IsPlaying());
+    Send(EK_WM_COMMAND, ID_TRANSPORT_STOP);
+    Send(EK_WM_TAKE_PLAYER);
+    EXPECT_EQ(m_frame->CurrentView(), m_frame->ActiveView()) << "nothing plays";
 }
 
 TEST_F(EditingTest, ClosingTheWindowThatPlaysGivesThePlayerBack)

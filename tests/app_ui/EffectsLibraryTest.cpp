@@ -3,6 +3,7 @@
 
 #include "debugmanager/DebugManager.h"
 #include "effectmanager/EffectTree.h"
+#include "framework/ui/CommandActions.h"
 #include "platform/Paths.h"
 
 #include <gmock/gmock.h>
@@ -48,6 +49,39 @@ TEST_F(EffectsLibraryTest, TheFrameKeepsTheLibraryFromRunToRunAndLogsItsSteps)
     const CEffectNode* const first = m_frame->GetEffectTree()->GetRootNode().FirstChild();
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(first->GetCaption(), "Mine");
+}
+
+TEST_F(EffectsLibraryTest, TheMorphMenuOffersTheEffectsOfTheLibraryAndTheChosenOneIsInUse)
+{
+    const auto popup = [this] {
+        EXPECT_EQ(SubMenu(3)->actions().size(), 1);
+        EXPECT_EQ(SubMenu(3)->actions().front()->text(), "Editor Special Effects");
+        return SubMenu(3)->actions().front();
+    };
+    EXPECT_FALSE(popup()->isEnabled());
+    DeleteFrame();
+    WriteTextFile(m_library,
+                  "<EffectsTree><Folder Caption=\"F\"><Complex Caption=\"a &amp; b\"/></Folder></EffectsTree>");
+    NewFrame();
+    ASSERT_TRUE(popup()->isEnabled());
+    const QAction* folder = popup()->menu()->actions().front();
+    EXPECT_EQ(folder->text(), "F");
+    const QAction* effect = folder->menu()->actions().front();
+    EXPECT_EQ(effect->text(), "a && b");
+
+    CEffectTree& tree = *m_frame->GetEffectTree();
+    CEffectNode* const node = tree.GetRootNode().FirstChild()->FirstChild();
+    const uint32_t command = CommandOf(*effect);
+    EXPECT_EQ(command, ID_MORPH_FIRST + node->GetId());
+    EXPECT_TRUE(Run(command));
+    EXPECT_EQ(tree.GetSoundMorphEffect(), node->GetEffect());
+    emit folder->menu()->aboutToShow();
+    EXPECT_TRUE(effect->isEnabled() && effect->isChecked());
+    Run(command);
+    EXPECT_EQ(tree.GetSoundMorphEffect(), nullptr) << "chosen again";
+    EXPECT_TRUE(tree.RemoveNode(node, false));
+    EXPECT_FALSE(IsEnabled(command));
+    Run(command);
 }
 
 TEST_F(EffectsLibraryTest, AFileThatIsNoLibraryIsReportedAndNotWrittenOver)

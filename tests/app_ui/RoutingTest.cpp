@@ -258,10 +258,13 @@ TEST_F(CommandsTest, TheHistoryListsComeWithTheToolBar)
 TEST_F(CommandsTest, NothingClosesOrRunsInTheMiddleOfWork)
 {
     Open("one.wav");
+    m_frame->ActivateCurrentView();
     ManualResetEvent release;
     QTimer::singleShot(0, m_frame, [&] {
         EXPECT_FALSE(m_frame->TryClose());
         EXPECT_FALSE(Run(ID_FILE_NEW));
+        EXPECT_TRUE(Run(ID_TRANSPORT_STOP)) << "but what plays can be stopped";
+        EXPECT_EQ(m_frame->CurrentView(), nullptr);
         EXPECT_FALSE(m_frame->ActiveChild()->close());
         m_frame->PassMessage("Open \"" + MakeSound("two.wav").string() + '"');
         EXPECT_EQ(DocumentNames(), Names{"one.wav"});

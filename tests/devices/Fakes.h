@@ -37,7 +37,7 @@ public:
     {
         std::unique_lock lock(m_mutex);
         m_waitsUntil = microseconds;
-        m_isDeserted = false;
+        m_isDeserted = m_interrupted;
         m_changed.notify_all();
         m_changed.wait(lock, [&] { return m_interrupted || m_now >= microseconds; });
         const bool inTime = !m_interrupted;

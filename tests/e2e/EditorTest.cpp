@@ -131,10 +131,16 @@ TEST_F(EditorTest, ASecondStartHandsItsFileToTheRunningEditorWhichLeavesNothingW
     EXPECT_TRUE(ShowsFile("a second \xc3\xa4.wav"));
     EXPECT_FALSE(m_editor->HasEnded());
 
+    const auto temporaryFiles = [this] { return FilesBelow(m_folder / "temporary"); };
+    const size_t before = temporaryFiles().size();
+    ASSERT_TRUE(m_desktop->Focus("Ek Wave Editor"));
+    m_desktop->Key("ctrl+a");
+    m_desktop->Key("ctrl+c");
+    ASSERT_TRUE(Eventually([&] { return temporaryFiles().size() > before; }));
     m_editor->Send(SIGHUP);
     ASSERT_TRUE(Eventually([&] { return m_editor->HasEnded(); }));
     EXPECT_EQ(m_editor->ExitStatus(), 128 + SIGHUP);
-    EXPECT_EQ(FilesBelow(m_folder / "temporary"), std::vector<std::string>());
+    EXPECT_EQ(temporaryFiles(), std::vector<std::string>());
 }
 
 } // namespace

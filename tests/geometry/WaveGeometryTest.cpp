@@ -185,8 +185,7 @@ TEST(WaveGeometry, FollowingStartsWhenTheCursorPassesTheMiddle)
     } cases[] = {{0, 449, false}, {440, 450, true}, {550, 560, true}, {551, 560, false}, {0, 999, true}};
     for (const auto& test : cases) {
         WaveGeometry geometry = Show(100'000, 1000);
-        geometry.CursorFrame = test.NewCursor;
-        geometry.TrackPlayback(test.OldCursor);
+        geometry.TrackPlayback(test.OldCursor, test.NewCursor);
         EXPECT_EQ(geometry.FollowPlayback, test.Follows) << test.OldCursor << " to " << test.NewCursor;
     }
 }

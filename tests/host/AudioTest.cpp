@@ -159,8 +159,17 @@ TEST_F(AudioTest, TheLoopIsTheHosts)
     EXPECT_THAT(m_module.Frame->Messages, IsEmpty());
 }
 
-TEST_F(AudioTest, SeekingCarriesItsPercent)
+TEST_F(AudioTest, AJumpInSilenceGivesTheModuleThePlayerFirstAndSeekingCarriesItsPercent)
 {
+    const StubFrame::Message jump{EK_WM_COMMAND, TransportToEnd, 0};
+    m_window->Audio().Send(TransportToEnd);
+    EXPECT_THAT(std::exchange(m_module.Frame->Messages, {}),
+                ElementsAre(StubFrame::Message{EK_WM_TAKE_PLAYER, 0, 0}, jump));
+    Play();
+    m_player->Pause();
+    m_module.Frame->Messages.clear();
+    m_window->Audio().Send(TransportToEnd);
+    EXPECT_THAT(std::exchange(m_module.Frame->Messages, {}), ElementsAre(jump));
     EXPECT_TRUE(m_window->Audio().Send(TransportSeek, 37));
     EXPECT_THAT(m_module.Frame->Messages, ElementsAre(StubFrame::Message{EK_WM_COMMAND, TransportSeek, 37}));
 }

@@ -109,7 +109,8 @@ TEST_F(TransportTest, ButtonsAreEnabledWhereTheirCommandsMeanSomething)
     Show({});
     EXPECT_THAT(EnabledCommands(), IsEmpty());
     Show({.CanPlay = true, .CanRecord = true});
-    EXPECT_THAT(EnabledCommands(), ElementsAre(TransportPlay, TransportRecord));
+    EXPECT_THAT(EnabledCommands(), ElementsAre(TransportToStart, TransportBack, TransportPlay, TransportForward,
+                                               TransportToEnd, TransportRecord));
     EXPECT_FALSE(Slider().isEnabled());
     for (const int device : {CHostAudioDevice::Running, CHostAudioDevice::Paused}) {
         Play(device);
@@ -159,7 +160,7 @@ TEST_F(TransportTest, TheSpaceBarPlaysAndStops)
     EXPECT_THAT(Take(), IsEmpty());
 }
 
-TEST_F(TransportTest, JumpsHaveTheirKeysOnlyWhilePlaying)
+TEST_F(TransportTest, JumpsHaveTheirKeysWhereverThereIsSomethingToPlay)
 {
     const auto pressAll = [this] {
         Press(Qt::Key_Home);
@@ -167,12 +168,14 @@ TEST_F(TransportTest, JumpsHaveTheirKeysOnlyWhilePlaying)
         Press(Qt::Key_Right, Qt::ControlModifier);
         Press(Qt::Key_End);
     };
-    Play(CHostAudioDevice::Stopped);
+    Show({});
     pressAll();
     EXPECT_THAT(Take(), IsEmpty());
-    Play(CHostAudioDevice::Running);
-    pressAll();
-    EXPECT_THAT(Take(), ElementsAre(TransportToStart, TransportBack, TransportForward, TransportToEnd));
+    for (const int device : {CHostAudioDevice::Stopped, CHostAudioDevice::Running}) {
+        Play(device);
+        pressAll();
+        EXPECT_THAT(Take(), ElementsAre(TransportToStart, TransportBack, TransportForward, TransportToEnd));
+    }
     Press(Qt::Key_L);
     EXPECT_THAT(m_loops, ElementsAre(true));
 }

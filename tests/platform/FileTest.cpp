@@ -85,8 +85,8 @@ TEST_F(FileTest, AFailingCallIsReportedWithItsErrorNumber)
     for (const auto& [kind, run] : cases) {
         FaultyFileCalls calls({}, kind);
         File file = OpenNew(std::to_string(kind).c_str());
-        calls.FailCall(1, ENOSPC);
-        EXPECT_EQ(run(file).Errno(), ENOSPC) << kind;
+        calls.FailCall(1, EIO);
+        EXPECT_EQ(run(file).Errno(), EIO) << kind;
         (void)file.Close();
         EXPECT_EQ(calls.OpenDescriptors(), 0) << kind;
     }
@@ -185,19 +185,19 @@ TEST_F(FileTest, AFailedCopyLeavesNothingAtTheTarget)
         // Closing what was only read loses nothing, and a name that is free already need not be removed.
         FaultyFileCalls calls("work/",
                               FaultyFileCalls::AllKinds & ~(FaultyFileCalls::Closes | FaultyFileCalls::Removals));
-        calls.FailCall(nth, ENOSPC);
+        calls.FailCall(nth, EIO);
         const IoStatus status = CopyFileTo(m_folder / "from", m_folder / "to");
         EXPECT_EQ(calls.OpenDescriptors(), 0) << nth;
         if (!calls.HasFailed()) {
             EXPECT_GT(nth, 5u);
             break;
         }
-        EXPECT_EQ(status.Errno(), ENOSPC) << nth;
+        EXPECT_EQ(status.Errno(), EIO) << nth;
         EXPECT_EQ(m_folder.EntryCount(), 1u) << nth;
     }
     FaultyFileCalls calls("work/to", FaultyFileCalls::Closes);
-    calls.FailCall(1, ENOSPC);
-    EXPECT_EQ(CopyFileTo(m_folder / "from", m_folder / "to").Errno(), ENOSPC);
+    calls.FailCall(1, EIO);
+    EXPECT_EQ(CopyFileTo(m_folder / "from", m_folder / "to").Errno(), EIO);
     EXPECT_EQ(m_folder.EntryCount(), 1u);
     EXPECT_EQ(CopyFileTo(m_folder / "none", m_folder / "to").Errno(), ENOENT);
 }

@@ -352,7 +352,7 @@ TEST_F(PlaybackTest, TheCursorFollowsWhatIsHeardThroughALoop)
         uint64_t Frame;
     };
     for (const Case& c : {Case{50, 1000}, Case{100, 1000}, Case{500, 1400}, Case{900, 1800}, Case{1000, 1900},
-                          Case{1100, 2000}, Case{1101, 1000}}) {
+                          Case{1100, 2000}, Case{1101, 2000}}) {
         Now = begin + c.Time;
         m_playback->Tick();
         EXPECT_EQ(m_view.CursorFrame, c.Frame) << c.Time;
@@ -363,6 +363,44 @@ TEST_F(PlaybackTest, TheCursorFollowsWhatIsHeardThroughALoop)
     EXPECT_EQ(m_view.CursorFrame, 1300U);
     m_player.Pull(1, begin + 2500);
     EXPECT_EQ(m_player.Progress, 300U);
+}
+
+TEST_F(PlaybackTest, HoweverFarTheDeviceIsAheadTheCursorIsWhereTheSoundIs)
+{
+    struct Case {
+        uint32_t Rate, Latency;
+        uint64_t Round; ///< frames of a loop; 0: the whole sound, once
+    };
+    for (const Case& c :
+         {Case{44100, 500, 0}, Case{96000, 500, 0}, Case{192000, 500, 0}, Case{192000, 2000, 0}, Case{44100, 500, 1},
+          Case{44100, 500, 300}, Case{96000, 500, 9600}, Case{192000, 2000, 50'000}}) {
+        Make(1, &m_player, nullptr, c.Rate, uint64_t{c.Rate} * 3);
+        m_player.Loop = c.Round > 0;
+        Select(1000, 1000 + c.Round);
+        m_view.CursorFrame = c.Round > 0 ? 1000 : 0;
+        m_playback->Play();
+        const uint64_t first = m_view.CursorFrame;
+        const auto framesIn = [&](uint32_t milliseconds) { return uint64_t{milliseconds} * c.Rate / 1000; };
+        const uint32_t begin = Now;
+        uint64_t pulled = 0;
+        while (Now - begin < c.Latency + 2900) {
+            while (pulled < framesIn(Now - begin) + framesIn(c.Latency)) {
+                const auto stamp = static_cast<uint32_t>(begin + c.Latency + pulled * 1000 / c.Rate);
+                m_player.Pull(1024, stamp - pulled / 1024 % 3); // devices do not stamp evenly
+                pulled += 1024;
+            }
+            m_playback->Tick();
+            const uint64_t heard = Now - begin < c.Latency ? 0 : framesIn(Now - begin - c.Latency);
+            const uint64_t wanted = first + (c.Round > 0 ? heard % c.Round : heard);
+            uint64_t error = std::max(wanted, m_view.CursorFrame) - std::min(wanted, m_view.CursorFrame);
+            if (c.Round > 0) {
+                ASSERT_TRUE(m_view.CursorFrame >= first && m_view.CursorFrame <= first + c.Round);
+                error = std::min(error, c.Round - error);
+            }
+            ASSERT_LE(error, framesIn(8)) << c.Rate << " " << c.Latency << " " << c.Round << " at " << Now - begin;
+            Now += 33;
+        }
+    }
 }
 
 TEST(ViewInput, FramesHeldBackByEffectsAreHeardLater)
@@ -387,17 +425,20 @@ TEST(ViewInput, FramesHeldBackByEffectsAreHeardLater)
     EXPECT_EQ(input.HeardFrame(1200), 200U);
 }
 
-TEST(PositionQueue, KeepsTheLatestMarksAndReckonsBetweenThem)
+TEST(PositionQueue, KeepsTheLatestEndsOfLinesAndReckonsBetweenThem)
 {
     PositionQueue queue;
     EXPECT_EQ(queue.FrameAt(0), 0U);
-    for (uint32_t i = 0; i < 8; ++i)
-        queue.Push(0xFFFFFFFE + i * 10, uint64_t{i} << 40);
-    EXPECT_EQ(queue.FrameAt(0xFFFFFFFE), uint64_t{1} << 40); // the oldest was dropped
-    EXPECT_EQ(queue.FrameAt(13), uint64_t{3} << 39);
-    EXPECT_EQ(queue.FrameAt(10'000), uint64_t{7} << 40);
+    for (uint32_t i = 0; i < 8; ++i) // each line is four times as steep as the one before
+        queue.Push(0xFFFFFFFE + i * 10, uint64_t{1} << (40 + 2 * i));
+    EXPECT_EQ(queue.FrameAt(0xFFFFFFFE), uint64_t{1} << 42); // the oldest was dropped
+    EXPECT_EQ(queue.FrameAt(13), uint64_t{5} << 41);
+    EXPECT_EQ(queue.FrameAt(10'000), uint64_t{1} << 54);
     queue.Delay(5);
-    EXPECT_EQ(queue.FrameAt(18), uint64_t{3} << 39);
+    EXPECT_EQ(queue.FrameAt(18), uint64_t{5} << 41);
+    queue.Push(18, uint64_t{5} << 42); // a device with a shorter way to the ear
+    EXPECT_EQ(queue.FrameAt(10'000), uint64_t{5} << 42);
+    EXPECT_EQ(queue.FrameAt(13), uint64_t{1} << 42);
 }
 
 // The player.

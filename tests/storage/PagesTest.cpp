@@ -183,25 +183,6 @@ TEST_F(StoreTest, RoomMayLieAnywhereInTheRangeThatIsOverwritten)
     EXPECT_EQ(ReadFrames(store, 2800, 3500), MakeRamp(700, 2300));
 }
 
-TEST_F(StoreTest, ACopyLivesOnWithoutItsSource)
-{
-    CWaveData copy;
-    SoundModel model{2, MakeNoise(3, Page)};
-    {
-        CWaveData source;
-        Fill(source, model);
-        ASSERT_TRUE(source.InsertSpace(4000, 4000, 4000));
-        model.Insert(1000, std::vector<int16_t>(2000));
-        ASSERT_TRUE(source.BuildPeakCache());
-        ASSERT_TRUE(copy.CopyFrom(source));
-        EXPECT_EQ(copy.TempFiles().size(), source.TempFiles().size());
-        EXPECT_EQ(copy.WorkingFormat(), source.WorkingFormat());
-    }
-    EXPECT_TRUE(copy.TempFiles().front().Name.filename().string().starts_with(".ekecdf"));
-    ExpectSameSound(copy, model);
-    ExpectSamePeaks(copy, model);
-}
-
 TEST_F(StoreTest, AnEightBitFormatIsHeldAsSixteenBit)
 {
     WAVEFORMATEXTENSIBLE format = MakePcm16Format(8000, 2);

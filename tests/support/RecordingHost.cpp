@@ -34,8 +34,11 @@ size_t HostCalls::Count(const std::string& call) const
 int RecordingPlayer::Acquire(const char16_t* moduleName)
 {
     Calls.Add("Player.Acquire", moduleName);
-    if (Owner.empty())
+    if (Owner.empty()) {
         Owner = moduleName;
+        if (OnGranted)
+            OnGranted();
+    }
     return Owner == moduleName ? 1 : 0;
 }
 

@@ -5,6 +5,7 @@
 #include "ek/HostFrame.h"
 #include "ek/HostSkin.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -90,6 +91,7 @@ public:
     std::u16string Owner;
     bool Loop = false;
     int DeviceState = CHostPlayer::Stopped;
+    std::function<void()> OnGranted; ///< while Acquire runs, as hosts tell the module of it
 };
 
 class RecordingRecorder final : public RecordingDevice<CHostRecorder> {

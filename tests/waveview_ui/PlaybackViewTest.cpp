@@ -38,7 +38,7 @@ protected:
         PlayRequest block{&sound, static_cast<uint32_t>(TickMilliseconds()) - millisecondsAgo};
         return Host.Player.Callback(&Host.Player, &block, Host.Player.User);
     }
-    static constexpr uint32_t Heard = 8; ///< blocks: more than the view remembers, and so nothing else counts
+    static constexpr uint32_t Heard = 8; ///< blocks
     /// The blocks were heard long ago, so that the cursor is where the last one began.
     void HearBlocks()
     {
@@ -141,7 +141,12 @@ TEST_F(PlayingView, TheViewFollowsTheCursorPastTheMiddleUntilItIsScrolled)
     Bar(Qt::Horizontal).setValue(Bar(Qt::Horizontal).maximum());
     const uint64_t first = Geometry().FirstVisibleFrame;
     HearBlocks();
-    EXPECT_EQ(Geometry().FirstVisibleFrame, first);
+    Command(ID_TRANSPORT_PAUSE);
+    EXPECT_EQ(Geometry().FirstVisibleFrame, first) << "nor does a pause take it to the cursor";
+    Command(ID_TRANSPORT_START);
+    EXPECT_EQ(Geometry().FirstVisibleFrame, 0u);
+    Command(ID_TRANSPORT_FORWARD);
+    EXPECT_FALSE(Geometry().FollowPlayback) << "a jump past the middle is no playing past it";
 }
 
 TEST_F(PlayingView, APressInTheLanesAndEveryEditStopsFirst)

@@ -171,6 +171,9 @@ TEST_F(Selecting, SelectionCommandsTakeTheChannelTheyNameWhereTheSoundHasIt)
     Run(ID_SELECT_SIDE_RIGHT);
     EXPECT_EQ(Selection(), Range(0, 5000));
     EXPECT_EQ(Geometry().SelectionChannel, ChannelSideRight);
+    EXPECT_TRUE(IsEnabled(ID_SELECT_BACK_LEFT));
+    for (const uint32_t absent : {ID_SELECT_LEFT, ID_SELECT_BACK_CENTER})
+        EXPECT_FALSE(IsEnabled(absent));
     Run(ID_SELECT_LEFT); // of a stereo sound
     EXPECT_EQ(Geometry().SelectionChannel, ChannelSideRight);
     Run(ID_SELECT_LOW_FREQUENCY);
