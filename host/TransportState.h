@@ -20,7 +20,7 @@ enum TransportCommand : uint32_t {
     TransportRecord = 13090,
 };
 
-/// Whether it moves the cursor, and no more while nothing plays.
+/// Whether it moves the cursor, from where what plays goes on.
 constexpr bool IsJump(TransportCommand command)
 {
     return command == TransportToStart || command == TransportBack || command == TransportForward ||

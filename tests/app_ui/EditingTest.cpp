@@ -34,7 +34,6 @@ protected:
         QCoreApplication::sendEvent(m_frame, &message);
         return message.isAccepted();
     }
-    size_t Starts() const { return m_host.Calls.Count("Player.Start()"); }
 };
 
 TEST_F(EditingTest, TheArrowOfUndoOpensItsListBelowTheButton)
@@ -64,21 +63,6 @@ TEST_F(EditingTest, TheArrowOfUndoOpensItsListBelowTheButton)
     EXPECT_TRUE(ButtonOf(ID_EDIT_REDO)->isEnabled());
     delete m_frame;
     EXPECT_EQ(SoundClipboard().Data, nullptr) << "nor does its file stay";
-}
-
-TEST_F(EditingTest, AnotherWindowsPlayStopsTheOneThatPlays)
-{
-    OpenSound();
-    CView* first = m_frame->ActiveView();
-    EXPECT_TRUE(Send(EK_WM_COMMAND, ID_TRANSPORT_PLAY));
-    EXPECT_EQ(Starts(), 1u);
-    EXPECT_EQ(m_frame->CurrentView(), first);
-    EXPECT_TRUE(m_frame->OpenFile(MakeSound("two.wav")));
-    m_host.Calls.Take();
-    Send(EK_WM_COMMAND, ID_TRANSPORT_PLAY);
-    EXPECT_EQ(m_host.Calls.Count("Player.Stop()"), 1u);
-    EXPECT_EQ(Starts(), 1u);
-    EXPECT_NE(m_frame->CurrentView(), first);
 }
 
 TEST_F(EditingTest, TakingThePlayerAnewLeavesTheViewThatPlaysInItsPlace)

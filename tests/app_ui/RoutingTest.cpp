@@ -3,7 +3,6 @@
 
 #include "app/ui/MDIClient.h"
 #include "app/ui/TransportRouter.h"
-#include "framework/ui/CommandToolBar.h"
 #include "platform/Events.h"
 #include "resources/Commands.h"
 
@@ -185,34 +184,23 @@ TEST(CommandRouting, ClientViewDocumentChildFrameAndApplicationAreAskedUntilOneT
     delete child;
 }
 
-/// A view as one that can play and keeps a history.
+/// A view as one that can play.
 class PlayingView final : public SpyView {
 public:
     using SpyView::SpyView;
 
     bool CanPlay() const override { return true; }
-    bool OnCmdMsg(uint32_t id, CommandCode code, CommandUi* ui) override
-    {
-        if (id != ID_REDO_HISTORY)
-            return SpyView::OnCmdMsg(id, code, ui);
-        HistoryParameter = Site().CommandParameter();
-        return true;
-    }
-
-    intptr_t HistoryParameter = 0;
 };
 
 class CommandsTest : public FrameFixture {
 protected:
     ~CommandsTest() override { delete m_frame; } // before the document of its view
 
-    PlayingView* AddPlayingView()
+    void AddPlayingView()
     {
         auto* child = new CMDIChildWnd(m_document);
-        auto* view = new PlayingView(m_document, *m_frame, child);
-        child->SetView(view);
+        child->SetView(new PlayingView(m_document, *m_frame, child));
         static_cast<CMDIClient*>(m_frame->centralWidget())->AddChild(child);
-        return view;
     }
 
     SpyDocument m_document;
@@ -244,15 +232,6 @@ TEST_F(CommandsTest, TheUpdateOfNewTellsTheHostWhetherTheActiveViewCanPlay)
     m_host.Calls.Take();
     IsEnabled(ID_FILE_NEW);
     EXPECT_EQ(m_host.Calls.Take(), Names{"Player.UpdateControls(Ek Wave Editor, 1)"});
-}
-
-TEST_F(CommandsTest, TheHistoryListsComeWithTheToolBar)
-{
-    const PlayingView* view = AddPlayingView();
-    auto* bar = m_frame->findChild<CommandToolBar*>();
-    emit bar->HistoryRequested(ID_REDO_HISTORY);
-    EXPECT_EQ(view->HistoryParameter, reinterpret_cast<intptr_t>(static_cast<QWidget*>(bar)));
-    EXPECT_EQ(m_frame->CommandParameter(), 0);
 }
 
 TEST_F(CommandsTest, NothingClosesOrRunsInTheMiddleOfWork)

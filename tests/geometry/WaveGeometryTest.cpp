@@ -190,22 +190,6 @@ TEST(WaveGeometry, FollowingStartsWhenTheCursorPassesTheMiddle)
     }
 }
 
-TEST(WaveGeometry, AutoScrollMovesTenColumnsAndStopsAtTheEnds)
-{
-    WaveGeometry geometry = Show(16'000, 1000, 80, 8);
-    EXPECT_FALSE(geometry.AutoScroll(Left).has_value());
-    EXPECT_FALSE(geometry.AutoScroll(Left + 999).has_value());
-    EXPECT_EQ(geometry.AutoScroll(Left + 1000), 160u + 8000 - 1);
-    EXPECT_EQ(geometry.FirstVisibleFrame, 160u);
-    EXPECT_EQ(geometry.AutoScroll(Left - 1), 80u);
-    EXPECT_EQ(geometry.AutoScroll(Left - 1), 0u);
-    EXPECT_EQ(geometry.AutoScroll(Left - 1), 0u);
-    for (int i = 0; i < 200; ++i)
-        geometry.AutoScroll(Left + 1000);
-    EXPECT_EQ(geometry.AutoScroll(Left + 1000), 16'000u);
-    EXPECT_EQ(geometry.FirstVisibleFrame, 8000u);
-}
-
 class RandomWalk {
 public:
     explicit RandomWalk(uint64_t seed) : m_random(seed) {}

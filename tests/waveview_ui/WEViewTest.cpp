@@ -297,17 +297,6 @@ TEST_F(WEView, OverviewMovesTheCursorAndDragsTheVisibleRange)
     EXPECT_EQ(Geometry().FirstVisibleFrame, (before + 50u * 1'000'000 / strip.Width()) / 32 * 32);
 }
 
-TEST_F(WEView, ShowsTheChangeWhenTheSoundChanged)
-{
-    Load(1000, 1, [](uint64_t, uint32_t) { return 0; });
-    Show();
-    const QImage silent = DrawnImage();
-    const std::vector<int16_t> loud(1000, 20'000);
-    ASSERT_TRUE(Sound.Store().WriteData(loud.data(), 0, 2000));
-    Sound.Notify({.What = DocumentChange::Kind::Frames, .StartFrame = 0, .OldLength = 1000, .NewLength = 1000});
-    EXPECT_NE(DrawnImage(), silent);
-}
-
 TEST_F(WEView, AfterAnyScrollTheColumnsShownAreThoseOfTheSound)
 {
     Load(60'000, 1);

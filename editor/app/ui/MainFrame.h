@@ -49,9 +49,8 @@ public:
     void PassMessage(std::string_view text); ///< a textual request of the host
     bool TryClose();                         ///< false: the user kept a document open, or work is running
 
-    /// Runs a command, or fills in the CommandUi that `extra` points to; false when nobody handles it, or while
-    /// work is running. For the host's
-    /// own commands `extra` is their parameter.
+    /// Runs a command, or fills in the CommandUi that `extra` points to; false when nobody handles it. While work is
+    /// running only those of the transport are run. For the host's own commands `extra` is their parameter.
     bool HandleCommand(uint32_t id, int code, void* extra);
     bool PreTranslate(const WindowMessage& message); ///< true: it was a key of the module's and is done with
     void OnIdle();
