@@ -5,6 +5,7 @@
 #include "ek/Message.h"
 
 #include <QCoreApplication>
+#include <QThread>
 
 #include <utility>
 
@@ -37,14 +38,16 @@ void HostAudio::Choose(const AudioChoice& choice)
 {
     m_choice = choice;
     m_toldTrouble.clear();
+    m_isDeviceKnown = IsPlaying() || (m_isDeviceKnown && choice.Output == m_player.Choice());
     m_player.Choose(choice.Output);
     m_recorder.Choose(choice.Input());
     emit StateChanged();
+    emit DeviceChanged();
 }
 
 QString HostAudio::DeviceText() const
 {
-    const std::string name = m_player.DeviceName();
+    const std::string name = m_isDeviceKnown ? m_player.DeviceName() : std::string();
     return QString::fromStdString(name.empty() ? m_choice.Output.Device : name);
 }
 
@@ -110,28 +113,47 @@ void HostAudio::TakeControls()
     if (hasStarted)
         m_toldTrouble.clear();
     emit StateChanged();
+    if (hasStarted)
+        OnDeviceChanged();
     if (!m_wasPlaying)
         m_watch.stop();
     else if (!m_watch.isActive())
         m_watch.start();
 }
 
+void HostAudio::OnDeviceChanged()
+{
+    m_isDeviceKnown = true;
+    emit DeviceChanged();
+}
+
 void HostAudio::OnDeviceTrouble(const std::string& text)
 {
+    const bool hasEnded = HasEndedByItself();
     const std::lock_guard lock(m_troubleLock);
-    if (std::exchange(m_trouble, text).empty())
+    if (m_trouble.empty())
         QMetaObject::invokeMethod(this, &HostAudio::TellOfTrouble, Qt::QueuedConnection);
+    m_trouble += m_trouble.empty() ? text : "\n" + text;
+    m_isEnd = m_isEnd || hasEnded;
+}
+
+/// A device that does not let playing start is the module's to tell of; a device's own thread runs only afterwards.
+bool HostAudio::HasEndedByItself() const
+{
+    return QThread::currentThread() != thread() && !IsPlaying();
 }
 
 void HostAudio::TellOfTrouble()
 {
     std::unique_lock lock(m_troubleLock);
     const QString text = QString::fromStdString(std::exchange(m_trouble, {}));
+    const bool isEnd = std::exchange(m_isEnd, false);
     lock.unlock();
-    if (text.isEmpty() || std::exchange(m_toldTrouble, text) == text)
+    const bool isKnown = std::exchange(m_toldTrouble, text) == text;
+    if (text.isEmpty() || (isKnown && IsPlaying()))
         return;
     enDebugManager().WriteLogMessage("Host", LogError, "Error: audio: %s", qPrintable(text));
-    emit Trouble(text);
+    emit Trouble(text, isEnd);
 }
 
 } // namespace ek

@@ -57,7 +57,7 @@ HostWindow::HostWindow(const ModuleExports& module, SettingsStore& settings, con
     : m_module(module), m_desktop(std::make_unique<DesktopTheme>(options.AskDesktop)), m_services(settings),
       m_audio(ChooseAudio(m_services, options)), m_objects(m_services, m_audio.Player(), m_audio.Recorder(), m_skin),
       m_skins(new SkinChoice(m_skin, m_services, *m_desktop, options.SkinOfThisRun, this)),
-      m_transport(new Transport(m_audio, m_services, *this)), m_menu(new ModuleMenu(module, *menuBar())),
+      m_transport(new Transport(m_audio, *this)), m_menu(new ModuleMenu(module, *menuBar())),
       m_quit(new QAction(tr("Quit"), this)), m_page(new QWidget(this))
 {
     m_menu->setParent(this);
@@ -71,6 +71,9 @@ HostWindow::HostWindow(const ModuleExports& module, SettingsStore& settings, con
     connect(&m_services, &HostServices::MenuChanged, this, [this] { m_isMenuStale = true; });
     connect(&m_services, &HostServices::StatusText, statusBar(), &QStatusBar::showMessage);
     connect(m_transport, &Transport::StatusText, statusBar(), &QStatusBar::showMessage);
+    if (!options.AudioOfThisRun)
+        connect(m_transport, &Transport::DevicesChosen, this,
+                [this](const AudioChoice& choice) { StoreAudioChoice(m_services, choice); });
     TakeSkin();
     RestorePlace();
 }

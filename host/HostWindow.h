@@ -25,9 +25,10 @@ class SkinChoice;
 class Transport;
 
 struct HostWindowOptions {
-    std::string SkinOfThisRun;                       ///< worn instead of the stored choice when it is not empty
-    bool AskDesktop = true;                          ///< whether the desktop may say that it is dark
-    std::optional<AudioDeviceChoice> AudioOfThisRun; ///< played to instead of the stored choice
+    std::string SkinOfThisRun; ///< worn instead of the stored choice when it is not empty
+    bool AskDesktop = true;    ///< whether the desktop may say that it is dark
+    /// Played to instead of the stored choice; then what a person chooses is not stored either.
+    std::optional<AudioDeviceChoice> AudioOfThisRun;
 };
 
 /// The program's window: the module's frame on a page, the menu bar, the transport, the status bar, the skin. It drives

@@ -48,7 +48,9 @@ void TestTone::Play(const AudioDeviceChoice& choice)
     m_player.SetBufferCount(BlockCount);
     m_player.SetBufferSize(BlockFrames * format.nBlockAlign);
     m_player.SetCallback(&TestTone::Fill, this);
-    m_player.Start(); // why it does not start comes as trouble
+    const bool isPlaying = m_player.Start() != 0; // why it does not start comes as trouble
+    if (isPlaying && (choice.System == "null" || m_player.IsInTrouble()))
+        emit Failed(tr("There is no sound device: nothing can be heard."));
 }
 
 uint32_t TestTone::Fill(CHostAudioDevice*, void* request, void* user)

@@ -20,7 +20,7 @@ public:
     void Play(const AudioDeviceChoice& choice); ///< from its beginning, also when it plays already
 
 signals:
-    void Failed(const QString& text); ///< for a person
+    void Failed(const QString& text); ///< nothing is heard, for a reason for a person
 
 private:
     static uint32_t Fill(CHostAudioDevice* device, void* request, void* user);

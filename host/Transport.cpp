@@ -24,9 +24,9 @@ constexpr int TroubleTextMilliseconds = 10000;
 
 } // namespace
 
-Transport::Transport(HostAudio& audio, HostServices& services, QMainWindow& window)
-    : QObject(&window), m_audio(audio), m_services(services), m_window(window), m_actions(this),
-      m_bar(new TransportBar(m_actions, &window)), m_menu(m_actions.MakeMenu(&window))
+Transport::Transport(HostAudio& audio, QMainWindow& window)
+    : QObject(&window), m_audio(audio), m_window(window), m_actions(this), m_bar(new TransportBar(m_actions, &window)),
+      m_menu(m_actions.MakeMenu(&window))
 {
     window.addToolBar(Qt::BottomToolBarArea, m_bar);
     connect(&m_actions, &TransportActions::CommandChosen, this,
@@ -36,6 +36,7 @@ Transport::Transport(HostAudio& audio, HostServices& services, QMainWindow& wind
     connect(m_bar, &TransportBar::SeekWanted, this, [this](int percent) { Run(TransportSeek, percent); });
     connect(&m_bar->DeviceMenu(), &QMenu::aboutToShow, this, &Transport::FillDeviceMenu);
     connect(&m_audio, &HostAudio::StateChanged, this, &Transport::Refresh);
+    connect(&m_audio, &HostAudio::DeviceChanged, this, &Transport::TakeDevice);
     connect(&m_audio, &HostAudio::Trouble, this, &Transport::TellOfTrouble);
     connect(&m_look, &QTimer::timeout, this, &Transport::ShowPlaying);
     Refresh();
@@ -65,16 +66,16 @@ void Transport::Refresh()
     state.CanRecord = m_canRecord;
     m_actions.Show(state);
     m_bar->Show(state);
-    if (const WAVEFORMATEXTENSIBLE* format = m_audio.Player().GetFormat())
-        m_bar->Meter().SetFormat(*format);
+    WAVEFORMATEXTENSIBLE format = *m_audio.Player().GetFormat();
+    if (!state.IsStopped()) // another sound may have been got ready meanwhile
+        format.nChannels = static_cast<uint16_t>(m_audio.Player().ChannelCount());
+    m_bar->Meter().SetFormat(format);
     if (state.IsRunning() == m_look.isActive())
         return;
-    ShowDevice();
     if (!state.IsRunning()) {
         m_look.stop();
         return;
     }
-    m_trouble.clear();
     m_audio.Player().TakePeaks();
     m_sinceLook.start();
     m_look.start(LookEveryMilliseconds);
@@ -87,15 +88,27 @@ void Transport::ShowPlaying()
     Refresh();
 }
 
-void Transport::TellOfTrouble(const QString& text)
+/// What plays on the device that was wished for has no trouble any more.
+void Transport::TakeDevice()
 {
-    const bool hasStopped = m_look.isActive() && m_audio.State().IsStopped();
-    Refresh();
-    m_trouble = text;
+    if (!m_audio.IsDeviceInTrouble())
+        m_trouble.clear();
     ShowDevice();
-    emit StatusText(text, TroubleTextMilliseconds);
-    if (!hasStopped || m_message)
+}
+
+void Transport::TellOfTrouble(const QString& text, bool isEnd)
+{
+    Refresh();
+    if (m_audio.State().IsStopped() || m_audio.IsDeviceInTrouble())
+        m_trouble = text;
+    ShowDevice();
+    emit StatusText(text.simplified(), TroubleTextMilliseconds);
+    if (!isEnd)
         return;
+    if (m_message) {
+        m_message->setText(text);
+        return;
+    }
     m_message =
         new QMessageBox(QMessageBox::Warning, QString::fromLatin1(ModuleName), text, QMessageBox::Ok, &m_window);
     m_message->setAttribute(Qt::WA_DeleteOnClose);
@@ -109,7 +122,7 @@ void Transport::ShowDevice()
     QString text = device.isEmpty() ? tr("Audio device") : tr("Audio device: %1").arg(device);
     if (!m_trouble.isEmpty())
         text += u'\n' + m_trouble;
-    m_bar->ShowDevice(text, !m_trouble.isEmpty());
+    m_bar->ShowDevice(text, !m_trouble.isEmpty() || m_audio.IsDeviceInTrouble());
     if (m_dialog)
         m_dialog->ShowDeviceInUse(device);
 }
@@ -139,11 +152,8 @@ void Transport::AddDevice(const QString& text, const std::string& device)
 
 void Transport::TakeChoice(const AudioChoice& choice)
 {
-    m_trouble.clear();
     m_audio.Choose(choice);
-    if (choice.Output.System != "file")
-        StoreAudioChoice(m_services, choice);
-    ShowDevice();
+    emit DevicesChosen(choice);
 }
 
 void Transport::OpenDeviceDialog()

@@ -16,7 +16,6 @@ namespace ek {
 class DeviceDialog;
 struct AudioChoice;
 class HostAudio;
-class HostServices;
 class TransportBar;
 
 /// The transport of a window: the bar, the menu, the keys and the dialog of the devices, kept to what the player does
@@ -25,8 +24,8 @@ class Transport : public QObject {
     Q_OBJECT
 
 public:
-    /// Everything given outlives it. What a person chooses in the dialog is stored.
-    Transport(HostAudio& audio, HostServices& services, QMainWindow& window);
+    /// Everything given outlives it.
+    Transport(HostAudio& audio, QMainWindow& window);
 
     TransportActions& Actions() { return m_actions; }
     TransportBar& Bar() { return *m_bar; }
@@ -36,12 +35,14 @@ public:
 
 signals:
     void StatusText(const QString& text, int milliseconds);
+    void DevicesChosen(const AudioChoice& choice); ///< by a person; they are in use already
 
 private:
     void Refresh();
     void ShowPlaying();
     void Run(TransportCommand command, intptr_t parameter = 0);
-    void TellOfTrouble(const QString& text);
+    void TellOfTrouble(const QString& text, bool isEnd);
+    void TakeDevice();
     void ShowDevice();
     void FillDeviceMenu();
     void AddDevice(const QString& text, const std::string& device);
@@ -49,7 +50,6 @@ private:
     void OpenDeviceDialog();
 
     HostAudio& m_audio;
-    HostServices& m_services;
     QMainWindow& m_window;
     TransportActions m_actions;
     TransportKeys m_keys;
@@ -59,7 +59,7 @@ private:
     QElapsedTimer m_sinceLook;
     QPointer<DeviceDialog> m_dialog;
     QPointer<QMessageBox> m_message;
-    QString m_trouble; ///< of the present device
+    QString m_trouble; ///< of the device; kept until the one wished for is in use
     bool m_canRecord = false;
 };
 

@@ -8,7 +8,7 @@ set -euo pipefail
 run=(g++ make cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-qpa-plugins libgl-dev
     libsndfile1-dev libsoxr-dev libpugixml-dev libutfcpp-dev libspdlog-dev libcli11-dev
-    libfftw3-dev librtaudio-dev libreaderwriterqueue-dev
+    libfftw3-dev librtaudio-dev
     fonts-dejavu-core)
 # A session without X11 needs Qt's Wayland plugin; every other one does without it.
 [[ -n ${WAYLAND_DISPLAY:-} && -z ${DISPLAY:-} ]] && run+=(qt6-wayland)

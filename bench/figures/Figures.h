@@ -17,6 +17,6 @@ void MeasureTempSpace(Bench& bench);
 void MeasureLongSound(Bench& bench); ///< whether cost per hour stays flat
 void MeasureColumns(Bench& bench);
 void MeasurePlay(Bench& bench); ///< latency and load of playing
-void MeasureDsp(Bench& bench); ///< transforms and the sample-rate converter
+void MeasureDsp(Bench& bench);  ///< transforms and the sample-rate converter
 
 } // namespace ek::bench

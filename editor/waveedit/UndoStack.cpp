@@ -59,7 +59,7 @@ std::vector<std::string> CUndoStack::FillUndoList() const
 std::vector<std::string> CUndoStack::FillRedoList() const
 {
     std::vector<std::string> names;
-    for (size_t i = static_cast<size_t>(m_current + 1); i < m_entries.size(); ++i)
+    for (auto i = static_cast<size_t>(m_current) + 1; i < m_entries.size(); ++i)
         names.push_back(m_entries[i].Name);
     return names;
 }

@@ -78,6 +78,7 @@ public:
     /// After OnRangePlayed: the cursor goes back to where it was. Nothing when playing was begun anew since. Tells the
     /// user when the sound could not be read to its end.
     void Finish();
+    bool HasFailed() const { return m_input.HasFailed(); } ///< what was played last could not be read to its end
     void OnSelectionChannelChanged(); ///< while playing: another channel is heard from the next block on
 
 private:

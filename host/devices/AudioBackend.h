@@ -17,16 +17,14 @@ public:
     virtual ~AudioBackend() = default;
 
     virtual int64_t NowMicroseconds() = 0; ///< any thread; on the scale of the clock that devices are given
-    /// Null: `trouble` says why, for a person. "auto" gives null where no system has a device.
+    /// Null: `trouble` says why, for a person. "auto" always gives a device: where no card can be used that makes no
+    /// sound, and then `trouble` says why there is a system that refused, else nothing.
     virtual std::unique_ptr<OutputDevice> OpenOutput(const AudioDeviceChoice& choice, const StreamWish& wish,
                                                      std::string& trouble) = 0;
     /// Makes no sound; takes its frames in step with the clock. Never fails.
     virtual std::unique_ptr<OutputDevice> OpenNullOutput(const StreamWish& wish) = 0;
     virtual std::unique_ptr<InputDevice> OpenInput(const AudioDeviceChoice& choice, const StreamWish& wish,
                                                    std::string& trouble) = 0;
-    /// What the choice stands for is another device now than `name`, which was opened for it. At most once a second;
-    /// does not wait for an answer of the sound system, but gives the one to an earlier call.
-    virtual bool HasMoved(const AudioDeviceChoice& choice, const std::string& name) = 0;
 };
 
 /// The sound systems of this machine. Made at the first call.

@@ -6,37 +6,44 @@
 #include "devices/FileDevice.h"
 #include "devices/NullDevice.h"
 #include "devices/RtStream.h"
-#include "platform/Events.h"
 
-#include <algorithm>
 #include <chrono>
-#include <thread>
+#include <functional>
 #include <utility>
 
 namespace ek {
 
 namespace {
 
-/// The systems that the choice stands for: of "auto" those that are there.
-std::vector<std::string> SystemsOf(const std::string& chosen, bool forCapture)
+/// Looks at the systems that the choice stands for, of "auto" at those that are there, until one of them will do.
+void TrySystems(const std::string& chosen, bool forCapture,
+                const std::function<bool(const std::string& system)>& isUsed)
 {
-    if (chosen != "auto")
-        return {chosen};
-    std::vector<std::string> systems = ListCardSystems();
-    std::erase_if(systems, [forCapture](const std::string& name) { return !IsSystemThere(name, forCapture); });
-    return systems;
+    if (chosen != "auto") {
+        isUsed(chosen);
+        return;
+    }
+    for (const std::string& system : ListCardSystems())
+        if (IsSystemThere(system, forCapture) && isUsed(system))
+            return;
 }
 
-/// Empty where there is none that could be followed.
-std::string DefaultCardName(const std::string& chosen)
+/// Of several systems that refuse, `trouble` tells of the first.
+template <typename Device, typename Make>
+std::unique_ptr<Device> OpenCard(const AudioDeviceChoice& choice, const StreamWish& wish, bool forCapture, Make make,
+                                 std::string& trouble)
 {
-    const std::vector<std::string> systems = SystemsOf(chosen, false);
-    if (systems.empty())
-        return {};
-    for (const AudioDeviceInfo& card : ListCards(systems.front(), false))
-        if (card.IsDefault)
-            return card.Name;
-    return {};
+    std::unique_ptr<Device> device;
+    std::string firstTrouble;
+    TrySystems(choice.System, forCapture, [&](const std::string& system) {
+        std::string reason;
+        device = make(system, choice.Device, wish, reason);
+        if (!device && firstTrouble.empty())
+            firstTrouble = reason;
+        return device != nullptr;
+    });
+    trouble = device ? std::string() : firstTrouble;
+    return device;
 }
 
 class SystemBackend final : public AudioBackend {
@@ -44,9 +51,7 @@ public:
     ~SystemBackend() override
     {
         // Libraries are about to be taken down; but a server that does not answer must not keep the program alive.
-        constexpr std::chrono::milliseconds Patience{500};
-        if (m_query)
-            (void)m_query->Done.WaitFor(Patience);
+        AwaitLookUps(std::chrono::milliseconds(500));
     }
 
     int64_t NowMicroseconds() override { return MonotonicMicroseconds(); }
@@ -56,11 +61,11 @@ public:
     {
         if (choice.System == "file")
             return MakeFileOutput(wish, choice.File, trouble);
+        std::unique_ptr<OutputDevice> device;
         if (choice.System != "null")
-            for (const std::string& system : SystemsOf(choice.System, false))
-                if (auto device = MakeCardOutput(system, choice.Device, wish, trouble))
-                    return device;
-        return choice.System == "null" || choice.System == "auto" ? OpenNullOutput(wish) : nullptr;
+            device = OpenCard<OutputDevice>(choice, wish, false, MakeCardOutput, trouble);
+        const bool mayBeSilent = choice.System == "null" || choice.System == "auto";
+        return device || !mayBeSilent ? std::move(device) : OpenNullOutput(wish);
     }
 
     std::unique_ptr<OutputDevice> OpenNullOutput(const StreamWish& wish) override
@@ -76,39 +81,11 @@ public:
         if (choice.System == "null")
             return MakeNullInput(wish, MakeSystemClock());
         // Silence in place of a device that is missing would be found out after the recording.
-        trouble = "There is no recording device.";
-        for (const std::string& system : SystemsOf(choice.System, true))
-            if (auto device = MakeCardInput(system, choice.Device, wish, trouble))
-                return device;
-        return nullptr;
+        auto device = OpenCard<InputDevice>(choice, wish, true, MakeCardInput, trouble);
+        if (!device && trouble.empty())
+            trouble = "There is no recording device.";
+        return device;
     }
-
-    bool HasMoved(const AudioDeviceChoice& choice, const std::string& name) override
-    {
-        if (!choice.Device.empty() || choice.System == "null" || choice.System == "file")
-            return false;
-        // On a thread of its own, which nobody joins: a server that does not answer must not stop the window.
-        if (m_query && !m_query->Done.IsSet())
-            return false;
-        const bool hasMoved = m_query && m_query->Choice == choice && !m_query->Name.empty() && m_query->Name != name;
-        m_query = std::make_shared<Query>();
-        m_query->Choice = choice;
-        std::thread([query = m_query] {
-            query->Name = DefaultCardName(query->Choice.System);
-            query->Done.Set();
-        }).detach();
-        return hasMoved;
-    }
-
-private:
-    /// For the name of the device that is now the default one.
-    struct Query {
-        AudioDeviceChoice Choice;
-        std::string Name; ///< once it is done
-        ManualResetEvent Done;
-    };
-
-    std::shared_ptr<Query> m_query;
 };
 
 } // namespace
@@ -123,8 +100,12 @@ std::vector<std::string> ListAudioSystems()
 
 std::vector<AudioDeviceInfo> ListAudioDevices(const std::string& system, bool forCapture)
 {
-    const std::vector<std::string> systems = SystemsOf(system, forCapture);
-    return systems.empty() ? std::vector<AudioDeviceInfo>() : ListCards(systems.front(), forCapture);
+    std::vector<AudioDeviceInfo> list;
+    TrySystems(system, forCapture, [&](const std::string& name) {
+        list = ListCards(name, forCapture);
+        return true;
+    });
+    return list;
 }
 
 AudioBackend& SystemAudioBackend()

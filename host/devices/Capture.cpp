@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <exception>
 
 namespace ek {
 
@@ -21,24 +22,36 @@ bool Capture::Start(const CaptureSetup& setup, std::unique_ptr<InputDevice> devi
 {
     Stop();
     m_setup = setup;
+    try {
+        if (Run(std::move(device), trouble))
+            return true;
+    } catch (const std::exception&) {
+        trouble = "The system has not enough memory left for recording.";
+    }
+    m_device.reset();
+    return false;
+}
+
+bool Capture::Run(std::unique_ptr<InputDevice> device, std::string& trouble)
+{
     const StreamShape shape = device->Shape();
-    const uint32_t soundRate = setup.Wish.Sound.nSamplesPerSec;
+    const uint32_t soundRate = m_setup.Wish.Sound.nSamplesPerSec;
     m_rate = std::make_unique<RateStage>(shape.Rate, soundRate, shape.Channels);
     if (!m_rate->IsUsable()) {
         trouble = "Sound of " + std::to_string(soundRate) + " Hz can't be recorded from " + device->Name() + ".";
         return false;
     }
-    const uint64_t block = uint64_t{setup.Wish.BlockFrames} * shape.Rate / soundRate + 1;
-    const uint64_t capacity = std::max<uint64_t>(block * setup.BlockCount, uint64_t{shape.Rate} * RingSeconds);
+    const uint64_t block = uint64_t{m_setup.Wish.BlockFrames} * shape.Rate / soundRate + 1;
+    const uint64_t capacity = std::max<uint64_t>(block * m_setup.BlockCount, uint64_t{shape.Rate} * RingSeconds);
     m_queue = std::make_unique<CaptureQueue>(shape.Rate, shape.Channels, static_cast<uint32_t>(block),
                                              static_cast<uint32_t>(std::min<uint64_t>(capacity, 1U << 26)));
     m_frames.resize(static_cast<size_t>(PieceFrames) * shape.Channels);
     m_bytes.clear();
     m_paused = false;
     m_quit = false;
-    if (!device->Start(*m_queue, trouble))
-        return false;
     m_device = std::move(device);
+    if (!m_device->Start(*m_queue, trouble))
+        return false;
     m_thread = std::thread([this] { Pump(); });
     return true;
 }

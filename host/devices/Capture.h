@@ -44,6 +44,7 @@ public:
     uint64_t Lost() const { return m_queue ? m_queue->Lost() : 0; }
 
 private:
+    bool Run(std::unique_ptr<InputDevice> device, std::string& trouble);
     void Pump();
     void Drain();
     void Convert(const float* frames, uint32_t count);

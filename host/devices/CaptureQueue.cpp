@@ -30,6 +30,12 @@ void CaptureQueue::Put(const float* frames, uint32_t count, int64_t lastMicrosec
         m_pump.Signal();
 }
 
+void CaptureQueue::CountLost(uint32_t frames)
+{
+    if (!m_paused.load(std::memory_order_acquire))
+        m_lost.fetch_add(frames, std::memory_order_relaxed);
+}
+
 int64_t CaptureQueue::NextMicroseconds() const
 {
     return m_zeroTime.load(std::memory_order_acquire) + Microseconds(m_ring.WasRead(), m_rate);

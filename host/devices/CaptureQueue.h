@@ -22,6 +22,8 @@ public:
     /// The device's thread. The last of the frames was captured at the time given. Frames without room are lost.
     void Put(const float* frames, uint32_t count, int64_t lastMicroseconds);
 
+    void CountLost(uint32_t frames); ///< before the next Put
+
     // The pump's thread.
     uint32_t Take(float* frames, uint32_t count) { return m_ring.Read(frames, count); }
     int64_t NextMicroseconds() const; ///< when the next frame to be taken was captured

@@ -14,7 +14,8 @@ namespace ek {
 namespace {
 
 constexpr uint32_t ProgressRange = 1000;
-constexpr int64_t RetryMicroseconds = 900000;
+constexpr int64_t FirstRetry = 900000; ///< microseconds
+constexpr int64_t SlowestRetry = 8 * FirstRetry;
 
 } // namespace
 
@@ -33,6 +34,11 @@ struct HostPlayer::Impl {
 
     bool IsActive() const { return State.load(std::memory_order_acquire) != Stopped; }
 
+    std::string HowItGoesOn() const
+    {
+        return IsSubstitute ? "Playing goes on without sound." : "Playing goes on with " + Name + ".";
+    }
+
     PlaySetup Setup() const
     {
         StreamWish wish{Shape.Format(), Shape.BlockFrames(), Chosen.LatencyMilliseconds};
@@ -42,10 +48,13 @@ struct HostPlayer::Impl {
     bool Begin();
     void Announce();
     void TellReconfigured();
-    void Replace(std::unique_ptr<OutputDevice> device, const std::string& reason);
+    bool Open(const PlaySetup& setup);
+    bool StartOn(const PlaySetup& setup, std::unique_ptr<OutputDevice> device, std::string& trouble);
+    bool SwitchTo(std::unique_ptr<OutputDevice> device, std::string& trouble);
+    void Adopt(std::string name, bool isSilent);
+    void Replace(std::unique_ptr<OutputDevice> device, std::string reason);
     void ReplaceLost();
     void FollowChoice();
-    bool Switch(std::unique_ptr<OutputDevice> device);
 
     HostPlayer& Player;
     AudioBackend& Backend;
@@ -57,8 +66,9 @@ struct HostPlayer::Impl {
     void* User = nullptr;
     std::u16string Owner;
     bool MayPlay = false;
-    bool IsSubstitute = false; ///< the null device plays in place of the chosen one
-    int64_t LastTry = 0;       ///< to come back to the chosen one
+    bool IsSubstitute = false;  ///< the null device plays in place of the chosen one
+    int64_t LastTry = 0;        ///< microseconds: to come back to the chosen one
+    int64_t Retry = FirstRetry; ///< after that time; the longer, the more often it was in vain
     std::atomic<bool> Loops = false;
     std::atomic<uint32_t> Shown = 0;
     std::atomic<int> State = Stopped;
@@ -69,7 +79,13 @@ struct HostPlayer::Impl {
         bool MayPlay = false;
         bool operator==(const Controls&) const = default;
     };
+    struct Health {
+        std::string Name;
+        bool IsSubstitute = false;
+        bool operator==(const Health&) const = default;
+    };
     Controls Announced;
+    Health AnnouncedHealth;
 
     Playback Play; ///< last: its thread uses the others
 };
@@ -85,32 +101,59 @@ bool HostPlayer::Impl::Begin()
     const PlaySetup setup = Setup();
     Play.Hold(); // only now nothing can end by itself any more
     State = Running;
-    if (Play.CanRestart(setup)) {
-        Play.Restart(setup);
+    if (!Play.CanRestart(setup))
+        return Open(setup);
+    if (Play.Restart(setup, trouble))
         return true;
-    }
-    Play.Stop();
-    std::unique_ptr<OutputDevice> device = Backend.OpenOutput(Chosen, setup.Wish, trouble);
-    if (device) {
-        Name = device->Name();
-        IsSubstitute = device->IsSilent() && Chosen.System != "null";
-        LastTry = Backend.NowMicroseconds();
-        if (Play.Start(setup, std::move(device), trouble))
-            return true;
-    }
     State = Stopped;
     Trouble(trouble);
     return false;
 }
 
+bool HostPlayer::Impl::Open(const PlaySetup& setup)
+{
+    Play.Stop();
+    std::string trouble;
+    std::string unused;
+    std::unique_ptr<OutputDevice> device = Backend.OpenOutput(Chosen, setup.Wish, trouble);
+    const bool hasStarted = (device && StartOn(setup, std::move(device), trouble)) ||
+                            (Chosen.System == "auto" && StartOn(setup, Backend.OpenNullOutput(setup.Wish), unused));
+    if (!hasStarted)
+        State = Stopped;
+    if (!hasStarted)
+        Trouble(trouble);
+    else if (IsSubstitute && !trouble.empty())
+        Trouble(trouble.append(" ").append(HowItGoesOn()));
+    return hasStarted;
+}
+
+bool HostPlayer::Impl::StartOn(const PlaySetup& setup, std::unique_ptr<OutputDevice> device, std::string& trouble)
+{
+    std::string name = device->Name();
+    const bool isSilent = device->IsSilent();
+    if (!Play.Start(setup, std::move(device), trouble))
+        return false;
+    Adopt(std::move(name), isSilent);
+    return true;
+}
+
+void HostPlayer::Impl::Adopt(std::string name, bool isSilent)
+{
+    Name = std::move(name);
+    IsSubstitute = isSilent && Chosen.System != "null";
+    LastTry = Backend.NowMicroseconds();
+    Retry = FirstRetry;
+}
+
 void HostPlayer::Impl::Announce()
 {
+    HostPlayerListener* const listener = Listener.load();
     const Controls now{State.load(std::memory_order_acquire), Owner, MayPlay};
-    if (now == Announced)
-        return;
-    Announced = now;
-    if (HostPlayerListener* listener = Listener.load())
+    if (std::exchange(Announced, now) != now && listener)
         listener->OnControlsChanged();
+    const Health health{Name, IsSubstitute};
+    if (std::exchange(AnnouncedHealth, health) != health && listener)
+        listener->OnDeviceChanged();
 }
 
 void HostPlayer::Impl::TellReconfigured()
@@ -120,26 +163,38 @@ void HostPlayer::Impl::TellReconfigured()
         listener->OnPlayerReconfigured();
 }
 
-bool HostPlayer::Impl::Switch(std::unique_ptr<OutputDevice> device)
+/// False: the device refuses. True also when the sound has ended meanwhile: then the device is not used.
+bool HostPlayer::Impl::SwitchTo(std::unique_ptr<OutputDevice> device, std::string& trouble)
 {
-    Name = device->Name();
-    IsSubstitute = device->IsSilent() && Chosen.System != "null";
-    LastTry = Backend.NowMicroseconds();
-    std::string trouble;
-    if (Play.Continue(std::move(device), trouble))
-        return true;
-    Trouble(trouble);
-    return false;
+    std::string name = device->Name();
+    const bool isSilent = device->IsSilent();
+    if (!Play.Continue(std::move(device), trouble))
+        return false;
+    if (Play.Device())
+        Adopt(std::move(name), isSilent);
+    return true;
 }
 
-/// `device` may be null: then the null device takes over.
-void HostPlayer::Impl::Replace(std::unique_ptr<OutputDevice> device, const std::string& reason)
+/// `device` may be null: then the null device takes over. Without a reason the chosen device is back.
+void HostPlayer::Impl::Replace(std::unique_ptr<OutputDevice> device, std::string reason)
 {
     const StreamWish wish = Play.Wish();
-    if (!device || !Switch(std::move(device)))
-        Switch(Backend.OpenNullOutput(wish));
-    if (!reason.empty())
-        Trouble(reason + (IsSubstitute ? " Playing goes on without sound." : " Playing goes on with " + Name + "."));
+    std::string trouble;
+    bool goesOn = device && SwitchTo(std::move(device), trouble);
+    if (!goesOn) {
+        if (!trouble.empty())
+            reason += (reason.empty() ? "" : " ") + trouble;
+        goesOn = SwitchTo(Backend.OpenNullOutput(wish), trouble);
+    }
+    if (!goesOn) {
+        Play.Stop();
+        State = Stopped;
+        Trouble(reason + " Playing has ended.");
+    } else if (!reason.empty()) {
+        if (Play.Device())
+            reason.append(" ").append(HowItGoesOn());
+        Trouble(reason);
+    }
     TellReconfigured();
 }
 
@@ -148,21 +203,31 @@ void HostPlayer::Impl::ReplaceLost()
     std::string reason = Play.Device()->Trouble();
     if (reason.empty())
         reason = "The sound device has stopped working.";
-    std::string trouble;
     Play.Silence();
-    Replace(Backend.OpenOutput(Chosen, Play.Wish(), trouble), reason);
+    if (Play.HasEnded())
+        return;
+    std::string unused;
+    Replace(Backend.OpenOutput(Chosen, Play.Wish(), unused), reason);
 }
 
 /// To the chosen device, if it is there again, or to the one that is the default now.
 void HostPlayer::Impl::FollowChoice()
 {
     LastTry = Backend.NowMicroseconds();
-    if (!IsSubstitute && !Backend.HasMoved(Chosen, Name))
+    OutputDevice* const used = Play.Device();
+    const bool hasMoved = !IsSubstitute && used && used->HasMoved();
+    if (!IsSubstitute && !hasMoved)
         return;
-    std::string trouble;
-    std::unique_ptr<OutputDevice> device = Backend.OpenOutput(Chosen, Play.Wish(), trouble);
-    if (device && !device->IsSilent())
-        Replace(std::move(device), {});
+    std::string unused;
+    std::unique_ptr<OutputDevice> device = Backend.OpenOutput(Chosen, Play.Wish(), unused);
+    LastTry = Backend.NowMicroseconds(); // a server that does not answer has cost time
+    if (!device || device->IsSilent()) {
+        Retry = std::min(2 * Retry, SlowestRetry);
+        return;
+    }
+    Replace(std::move(device), {});
+    if (hasMoved && Play.Device() && !IsSubstitute)
+        Trouble(HowItGoesOn());
 }
 
 HostPlayer::HostPlayer() : HostPlayer(SystemAudioBackend()) {}
@@ -204,6 +269,11 @@ std::string HostPlayer::DeviceName() const
     return m_impl->Name;
 }
 
+bool HostPlayer::IsInTrouble() const
+{
+    return m_impl->IsSubstitute;
+}
+
 void HostPlayer::SetLoop(bool loop)
 {
     m_impl->Loops = loop;
@@ -224,6 +294,11 @@ uint64_t HostPlayer::HeardMilliseconds() const
     return m_impl->Play.HeardMilliseconds();
 }
 
+uint32_t HostPlayer::ChannelCount() const
+{
+    return m_impl->Play.Wish().Sound.nChannels;
+}
+
 std::array<float, 8> HostPlayer::TakePeaks()
 {
     return m_impl->Play.TakePeaks();
@@ -241,7 +316,7 @@ void HostPlayer::Watch()
         const OutputDevice* const device = impl.Play.Device();
         if (device && device->HasFailed() && device->IsReplaceable())
             impl.ReplaceLost();
-        else if (impl.Backend.NowMicroseconds() - impl.LastTry > RetryMicroseconds)
+        else if (impl.Backend.NowMicroseconds() - impl.LastTry > impl.Retry)
             impl.FollowChoice();
     }
     impl.Announce();
@@ -256,8 +331,9 @@ int HostPlayer::Start()
 
 void HostPlayer::Stop()
 {
-    m_impl->Play.Stop();
+    m_impl->Play.Hold();
     m_impl->State = Stopped;
+    m_impl->Play.Stop();
     m_impl->Announce();
 }
 
@@ -328,12 +404,10 @@ int HostPlayer::Acquire(const char16_t* moduleName)
     const std::u16string name = moduleName ? moduleName : u"";
     if (name.empty() || (!m_impl->Owner.empty() && m_impl->Owner != name))
         return 0;
-    if (m_impl->Owner.empty()) {
-        m_impl->Owner = name;
-        if (HostPlayerListener* listener = m_impl->Listener.load())
-            listener->OnPlayerGranted();
-        m_impl->Announce();
-    }
+    m_impl->Owner = name;
+    if (HostPlayerListener* listener = m_impl->Listener.load())
+        listener->OnPlayerGranted();
+    m_impl->Announce();
     return 1;
 }
 

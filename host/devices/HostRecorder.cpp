@@ -135,11 +135,9 @@ int HostRecorder::AcquireInput(const char16_t* moduleName)
     const std::u16string name = moduleName ? moduleName : u"";
     if (name.empty() || (!m_impl->Owner.empty() && m_impl->Owner != name))
         return 0;
-    if (m_impl->Owner.empty()) {
-        m_impl->Owner = name;
-        if (HostRecorderListener* listener = m_impl->Listener.load())
-            listener->OnInputGranted();
-    }
+    m_impl->Owner = name;
+    if (HostRecorderListener* listener = m_impl->Listener.load())
+        listener->OnInputGranted();
     return 1;
 }
 

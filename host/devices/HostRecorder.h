@@ -15,7 +15,7 @@ class AudioBackend;
 /// What the recorder tells the window around it.
 class HostRecorderListener {
 public:
-    virtual void OnInputGranted() = 0; ///< a module owns the input: it is to be sent "set up the capture device"
+    virtual void OnInputGranted() = 0; ///< a module was granted the input: it is to be sent "set up the capture device"
     virtual void OnDeviceTrouble(const std::string& text) = 0; ///< for a person. Any thread
 
 protected:
@@ -36,7 +36,7 @@ public:
     /// From the next Start on. With "file" the sound of File is what is captured, in step with time.
     void Choose(const AudioDeviceChoice& choice);
     const AudioDeviceChoice& Choice() const;
-    uint64_t DropoutCount() const; ///< frames lost since Start
+    uint64_t DropoutCount() const; ///< frames lost since Start, or more: the card does not say how many it lost
 
     // CHostRecorder; see there.
     int Start() override;

@@ -47,6 +47,9 @@ public:
     /// The device takes no more frames and will not recover. Any thread.
     virtual bool HasFailed() const { return false; }
     virtual std::string Trouble() const { return {}; } ///< why it has failed; for a person
+    /// This was opened as the default device, and another one has become that since: told once. At most once a second;
+    /// does not wait for the sound system, but gives its answer to an earlier call.
+    virtual bool HasMoved() { return false; }
     /// There is more in the queue, or it has changed its state. For devices that are in nobody's beat; any thread.
     virtual void OnQueueChanged() {}
     virtual bool IsSilent() const { return false; } ///< nobody hears it

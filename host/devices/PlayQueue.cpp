@@ -2,7 +2,6 @@
 #include "devices/PlayQueue.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace ek {
 
@@ -19,67 +18,65 @@ int64_t Microseconds(uint64_t frames, uint32_t rate)
 } // namespace
 
 PlayQueue::PlayQueue(uint32_t rate, uint32_t channels, uint32_t blockFrames, uint32_t target, int64_t nowMicroseconds)
-    : m_ring(channels, std::max(target, blockFrames) + blockFrames + 2 * MostPerTake), m_rate(rate),
+    // Room for the frames that are dropped at a restart beside the new ones, and for what a rate change holds back.
+    : m_ring(channels, 2 * (std::max(target, MostPerTake) + blockFrames) + MostPerTake), m_rate(rate),
       m_blockFrames(blockFrames), m_target(std::max(target, blockFrames)), m_zeroTime(nowMicroseconds)
 {
 }
 
-uint32_t PlayQueue::ReadSound(float* frames, uint32_t count)
+uint32_t PlayQueue::ReadSound(float* frames, uint32_t count, int64_t nowMicroseconds)
 {
     m_ring.SkipTo(m_dropBefore.load(std::memory_order_acquire));
-    if (IsPaused() || !m_primed.load(std::memory_order_acquire) || m_ring.Filled() == 0)
-        return 0;
-    // Before the frames count as taken, so that nobody takes the silence before them for one that followed.
-    m_silence.store(0, std::memory_order_release);
+    const bool isHeld = IsPaused() || !m_primed.load(std::memory_order_acquire);
+    count = isHeld ? 0 : std::min(count, m_ring.Filled());
+    // All this before the frames count as taken: who sees that they are must not see the time, or the silence, of those
+    // before them.
+    if (count > 0)
+        m_silence.store(0, std::memory_order_release);
+    m_zeroTime.store(nowMicroseconds - Microseconds(m_ring.WasRead() + count, m_rate), std::memory_order_release);
     return m_ring.Read(frames, count);
 }
 
 void PlayQueue::Fill(float* frames, uint32_t count, int64_t nowMicroseconds)
 {
-    const bool isDue = m_primed.load(std::memory_order_acquire) && !m_ended.load(std::memory_order_acquire);
-    const uint32_t taken = ReadSound(frames, count);
+    const bool isDue =
+        m_primed.load(std::memory_order_acquire) && !m_ended.load(std::memory_order_acquire) && !IsPaused();
+    const uint32_t taken = ReadSound(frames, count, nowMicroseconds);
     std::fill_n(frames + static_cast<size_t>(taken) * Channels(), static_cast<size_t>(count - taken) * Channels(),
                 0.0F);
-    if (taken < count && isDue && !IsPaused())
-        m_dropouts.fetch_add(1, std::memory_order_relaxed);
+    // A pause or an end that comes just now is no dropout.
+    if (taken < count && isDue && !IsPaused() && !m_ended.load(std::memory_order_acquire))
+        CountDropout();
     if (count > m_largestTake.load(std::memory_order_relaxed))
         m_largestTake.store(std::min(count, MostPerTake), std::memory_order_relaxed);
-    MeasurePeaks(frames, taken);
-    PublishTimes(count - taken, nowMicroseconds);
+    m_silence.fetch_add(count - taken, std::memory_order_release);
+    WakePump();
 }
 
 uint32_t PlayQueue::Take(float* frames, uint32_t count, int64_t nowMicroseconds)
 {
-    const uint32_t taken = ReadSound(frames, count);
-    MeasurePeaks(frames, taken);
-    PublishTimes(0, nowMicroseconds);
+    const uint32_t taken = ReadSound(frames, count, nowMicroseconds);
+    WakePump();
     return taken;
 }
 
-void PlayQueue::MeasurePeaks(const float* frames, uint32_t count)
+void PlayQueue::WakePump()
 {
-    const uint32_t channels = Channels();
-    for (uint32_t channel = 0; channel < channels && count > 0; ++channel) {
-        float peak = 0;
-        for (size_t i = channel; i < static_cast<size_t>(count) * channels; i += channels)
-            peak = std::max(peak, std::fabs(frames[i]));
-        // A reader that takes the value between the two steps makes this peak show once more, which nobody sees.
-        if (peak > m_peaks[channel].load(std::memory_order_relaxed))
-            m_peaks[channel].store(peak, std::memory_order_relaxed);
-    }
-}
-
-void PlayQueue::PublishTimes(uint32_t silent, int64_t nowMicroseconds)
-{
-    m_silence.fetch_add(silent, std::memory_order_release);
-    m_zeroTime.store(nowMicroseconds - Microseconds(m_ring.WasRead(), m_rate), std::memory_order_release);
     if (HasRoomForBlock() || m_ended.load(std::memory_order_acquire))
         m_pump.Signal();
 }
 
 bool PlayQueue::IsDrained() const
 {
-    return m_ended.load(std::memory_order_acquire) && m_ring.Filled() == 0;
+    return m_ended.load(std::memory_order_acquire) && Waiting() == 0;
+}
+
+/// Frames that will be taken yet. The device's side removes those that are dropped, when it comes along.
+uint32_t PlayQueue::Waiting() const
+{
+    const uint64_t written = m_ring.Written();
+    const uint64_t next = std::max(m_ring.WasRead(), m_dropBefore.load(std::memory_order_acquire));
+    return written > next ? static_cast<uint32_t>(written - next) : 0;
 }
 
 uint32_t PlayQueue::TargetFrames() const
@@ -89,7 +86,7 @@ uint32_t PlayQueue::TargetFrames() const
 
 bool PlayQueue::HasRoomForBlock() const
 {
-    return m_ring.Filled() + m_blockFrames <= TargetFrames();
+    return Waiting() + m_blockFrames <= TargetFrames() && m_ring.Room() >= m_blockFrames + MostPerTake;
 }
 
 void PlayQueue::Write(const float* frames, uint32_t count)
@@ -124,7 +121,9 @@ bool PlayQueue::IsHeard() const
 
 int64_t PlayQueue::NextTakenMicroseconds() const
 {
-    return m_zeroTime.load(std::memory_order_acquire) + Microseconds(m_ring.Written(), m_rate);
+    const int64_t zeroTime = m_zeroTime.load(std::memory_order_acquire);
+    const uint64_t read = m_ring.WasRead();
+    return zeroTime + Microseconds(read + Waiting(), m_rate);
 }
 
 uint64_t PlayQueue::Heard(uint32_t latencyFrames) const
@@ -133,14 +132,6 @@ uint64_t PlayQueue::Heard(uint32_t latencyFrames) const
     const uint64_t silence = m_silence.load(std::memory_order_acquire);
     const uint64_t inCard = latencyFrames > silence ? latencyFrames - silence : 0;
     return taken > inCard ? taken - inCard : 0;
-}
-
-std::array<float, PlayQueue::MostChannels> PlayQueue::TakePeaks()
-{
-    std::array<float, MostChannels> peaks{};
-    for (size_t channel = 0; channel < MostChannels; ++channel)
-        peaks[channel] = m_peaks[channel].exchange(0, std::memory_order_relaxed);
-    return peaks;
 }
 
 } // namespace ek

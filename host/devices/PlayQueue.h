@@ -4,7 +4,6 @@
 #include "devices/FrameRing.h"
 #include "devices/WakeUp.h"
 
-#include <array>
 #include <atomic>
 #include <cstdint>
 
@@ -14,8 +13,6 @@ namespace ek {
 /// The device's side never waits, allocates or calls anybody; all its calls come from one thread.
 class PlayQueue {
 public:
-    static constexpr uint32_t MostChannels = 8;
-
     /// `target`: the frames that the pump keeps in it; more when a device is seen to take more at once.
     PlayQueue(uint32_t rate, uint32_t channels, uint32_t blockFrames, uint32_t target, int64_t nowMicroseconds);
 
@@ -27,6 +24,7 @@ public:
     void Fill(float* frames, uint32_t count, int64_t nowMicroseconds);
     /// The frames that are there, none while pausing. For devices that can wait.
     uint32_t Take(float* frames, uint32_t count, int64_t nowMicroseconds);
+    void CountDropout() { m_dropouts.fetch_add(1, std::memory_order_relaxed); }
     bool IsDrained() const; ///< the last frame has been taken. Any thread
 
     // The pump's thread, and its owner's while there is none.
@@ -49,12 +47,11 @@ public:
     /// Frames taken and heard by now, of a device that needs `latencyFrames` for it.
     uint64_t Heard(uint32_t latencyFrames) const;
     uint64_t Dropouts() const { return m_dropouts.load(std::memory_order_relaxed); }
-    std::array<float, MostChannels> TakePeaks();
 
 private:
-    uint32_t ReadSound(float* frames, uint32_t count);
-    void MeasurePeaks(const float* frames, uint32_t count);
-    void PublishTimes(uint32_t silent, int64_t nowMicroseconds);
+    uint32_t ReadSound(float* frames, uint32_t count, int64_t nowMicroseconds);
+    uint32_t Waiting() const;
+    void WakePump();
     uint32_t TargetFrames() const;
 
     FrameRing m_ring;
@@ -70,7 +67,6 @@ private:
     std::atomic<uint64_t> m_silence{0}; ///< frames of silence since the last frame of sound was taken
     std::atomic<int64_t> m_zeroTime;    ///< microseconds: when frame 0 would have been taken at the present pace
     std::atomic<uint64_t> m_dropouts{0};
-    std::array<std::atomic<float>, MostChannels> m_peaks{};
     WakeUp m_pump;
 };
 

@@ -2,9 +2,16 @@
 #include "devices/Playback.h"
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 namespace ek {
+
+namespace {
+
+constexpr const char* NothingLeft = "The system has not enough memory left for playing.";
+
+} // namespace
 
 Playback::Playback(AudioBackend& backend, Events events) : m_backend(backend), m_events(std::move(events)) {}
 
@@ -21,10 +28,7 @@ bool Playback::Start(const PlaySetup& setup, std::unique_ptr<OutputDevice> devic
     m_paused = false;
     m_pastDropouts = 0;
     ForgetBlocks();
-    if (!Use(std::move(device), trouble))
-        return false;
-    Run();
-    return true;
+    return RunOn(std::move(device), trouble);
 }
 
 bool Playback::CanRestart(const PlaySetup& setup) const
@@ -33,17 +37,24 @@ bool Playback::CanRestart(const PlaySetup& setup) const
            setup.BlockCount == m_setup.BlockCount;
 }
 
-void Playback::Restart(const PlaySetup& setup)
+bool Playback::Restart(const PlaySetup& setup, std::string& trouble)
 {
     Hold();
     m_setup = setup;
     ForgetBlocks();
     m_queueStart = m_queue->Restart();
     m_pastDropouts = 0 - m_queue->Dropouts();
-    m_mixer = std::make_unique<CardMixer>(setup.Wish.Sound, m_queue->Channels());
-    m_rate = std::make_unique<RateStage>(setup.Wish.Sound.nSamplesPerSec, m_queue->Rate(), m_queue->Channels());
-    SetPaused(false);
-    Run();
+    try {
+        m_mixer = std::make_unique<CardMixer>(setup.Wish.Sound, m_queue->Channels());
+        m_rate = std::make_unique<RateStage>(setup.Wish.Sound.nSamplesPerSec, m_queue->Rate(), m_queue->Channels());
+        SetPaused(false);
+        Run();
+    } catch (const std::exception&) {
+        trouble = NothingLeft;
+        CloseDevice();
+        return false;
+    }
+    return true;
 }
 
 void Playback::Silence()
@@ -63,10 +74,7 @@ bool Playback::Continue(std::unique_ptr<OutputDevice> device, std::string& troub
     TrimBlocks();
     m_unsent = 0;
     m_endSent = false;
-    if (!Use(std::move(device), trouble))
-        return false;
-    Run();
-    return true;
+    return RunOn(std::move(device), trouble);
 }
 
 void Playback::Stop()
@@ -84,6 +92,21 @@ void Playback::SetPaused(bool paused)
     m_queue->Pump().Signal();
     if (m_device)
         m_device->OnQueueChanged();
+}
+
+/// A large ring, or a thread, may be more than the system has left.
+bool Playback::RunOn(std::unique_ptr<OutputDevice> device, std::string& trouble)
+{
+    try {
+        if (Use(std::move(device), trouble)) {
+            Run();
+            return true;
+        }
+    } catch (const std::exception&) {
+        trouble = NothingLeft;
+    }
+    m_device.reset();
+    return false;
 }
 
 bool Playback::Use(std::unique_ptr<OutputDevice> device, std::string& trouble)
@@ -105,10 +128,7 @@ bool Playback::Use(std::unique_ptr<OutputDevice> device, std::string& trouble)
     m_mixer = std::make_unique<CardMixer>(m_setup.Wish.Sound, shape.Channels);
     m_rate = std::move(rate);
     m_device = std::move(device);
-    if (m_device->Start(*m_queue, trouble))
-        return true;
-    m_device.reset();
-    return false;
+    return m_device->Start(*m_queue, trouble);
 }
 
 void Playback::Run()
@@ -133,13 +153,23 @@ void Playback::CloseDevice()
     m_device->Stop();
     m_soundStart = HeardFrames();
     std::string trouble;
-    if (!HasEnded() && !m_device->HasFailed() && !m_device->Finish(trouble))
+    if (!HasEnded() && !CompleteDevice(trouble))
         m_events.OnTrouble(trouble);
     m_device.reset();
 }
 
+/// False: what the device was to keep is not whole. Asked after it was stopped: the last frames may have failed.
+bool Playback::CompleteDevice(std::string& trouble)
+{
+    if (!m_device->HasFailed())
+        return m_device->Finish(trouble);
+    trouble = m_device->Trouble();
+    return m_device->IsReplaceable();
+}
+
 void Playback::ForgetBlocks()
 {
+    m_peaks.Clear();
     m_blocks.clear();
     m_unsent = 0;
     m_asked = 0;
@@ -183,6 +213,7 @@ void Playback::Ask()
     PlayRequest request{&sound, StampMilliseconds()};
     block.Frames = std::min(m_setup.Callback(m_setup.Device, &request, m_setup.User), wanted);
     block.Start = m_asked;
+    m_peaks.Add(RecordOf(block, 0), block.Start, HeardFrames());
     m_asked += block.Frames;
     m_soundOver = block.Frames < wanted;
     if (block.Frames > 0)
@@ -244,13 +275,13 @@ _SOUNDDATAEX_ Playback::RecordOf(Block& block, uint32_t offset) const
 void Playback::Finish()
 {
     m_device->Stop();
-    // Asked now: the last frames may have been taken and then have failed.
-    const bool failed = m_device->HasFailed() && !m_device->IsReplaceable();
-    std::string trouble = failed ? m_device->Trouble() : std::string();
-    if (failed || !m_device->Finish(trouble))
-        m_events.OnTrouble(trouble);
+    const bool hasMore = !m_endSent; // then only a device that nothing can replace has come to this
+    std::string trouble;
+    const bool isWhole = CompleteDevice(trouble);
     m_ended.store(true, std::memory_order_release);
     m_events.OnEnded();
+    if (!isWhole)
+        m_events.OnTrouble(trouble + (hasMore ? " Playing has ended." : ""));
     _SOUNDDATAEX_ notice;
     notice.FrameCount = 1;
     PlayRequest request{&notice, static_cast<uint32_t>(m_backend.NowMicroseconds() / 1000)};
@@ -287,11 +318,6 @@ uint64_t Playback::HeardMilliseconds() const
 uint64_t Playback::Dropouts() const
 {
     return m_pastDropouts + (m_queue ? m_queue->Dropouts() : 0);
-}
-
-std::array<float, PlayQueue::MostChannels> Playback::TakePeaks()
-{
-    return m_queue ? m_queue->TakePeaks() : std::array<float, PlayQueue::MostChannels>{};
 }
 
 } // namespace ek

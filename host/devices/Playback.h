@@ -3,6 +3,7 @@
 
 #include "devices/AudioBackend.h"
 #include "devices/CardMixer.h"
+#include "devices/PeakTrack.h"
 #include "devices/PlayQueue.h"
 #include "devices/RateStage.h"
 #include "ek/HostAudioDevice.h"
@@ -34,7 +35,7 @@ class Playback {
 public:
     struct Events {
         std::function<void()> OnEnded;                          ///< on the pump thread, before the end notice
-        std::function<void(const std::string& text)> OnTrouble; ///< any thread
+        std::function<void(const std::string& text)> OnTrouble; ///< any thread; of an end by itself after OnEnded
     };
 
     Playback(AudioBackend& backend, Events events);
@@ -48,20 +49,21 @@ public:
     /// No callback runs or will run, until one of the other calls lets it: the sound stands as it is.
     void Hold();
     bool CanRestart(const PlaySetup& setup) const; ///< with the device that is open; while on hold
-    void Restart(const PlaySetup& setup);          ///< drops what is not heard yet; if CanRestart
+    /// Drops what is not heard yet; if CanRestart. False: as for Start.
+    bool Restart(const PlaySetup& setup, std::string& trouble);
     /// Goes on with another device from what was heard last. False: as for Start, but the old device is gone.
     bool Continue(std::unique_ptr<OutputDevice> device, std::string& trouble);
-    /// Closes a device that has failed, so that its like can be opened; Continue follows.
+    /// Closes the device, so that its like can be opened; Continue follows.
     void Silence();
-    void Stop();
+    void Stop(); ///< a file whose writing has failed is told of
     void SetPaused(bool paused);
 
     bool HasEnded() const { return m_ended.load(std::memory_order_acquire); } ///< by itself; no call is to follow
     const StreamWish& Wish() const { return m_setup.Wish; }
-    const OutputDevice* Device() const { return m_device.get(); }
+    OutputDevice* Device() const { return m_device.get(); }
     uint64_t HeardMilliseconds() const;
     uint64_t Dropouts() const;
-    std::array<float, PlayQueue::MostChannels> TakePeaks();
+    PeakTrack::Peaks TakePeaks() { return m_peaks.Take(HeardFrames()); } ///< of what was heard since the last call
 
 private:
     /// A block as the module has filled it.
@@ -71,9 +73,11 @@ private:
         std::vector<float> Values; ///< one channel after the other, as many values for each as a block has frames
     };
 
+    bool RunOn(std::unique_ptr<OutputDevice> device, std::string& trouble);
     bool Use(std::unique_ptr<OutputDevice> device, std::string& trouble);
     void Run();
     void CloseDevice();
+    bool CompleteDevice(std::string& trouble);
     void ForgetBlocks();
 
     // The pump thread.
@@ -99,6 +103,7 @@ private:
     std::unique_ptr<RateStage> m_rate;
     std::deque<Block> m_blocks; ///< those that are not heard yet
     std::vector<Block> m_spare;
+    PeakTrack m_peaks;
     size_t m_unsent = 0;      ///< index of the first block that the queue has not been given
     uint64_t m_asked = 0;     ///< frames of the sound so far
     bool m_soundOver = false; ///< the module has no more

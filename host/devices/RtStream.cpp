@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "devices/RtStream.h"
 
+#include "devices/HangGuard.h"
+#include "devices/StreamHealth.h"
 #include "platform/Events.h"
 
 #include <RtAudio.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <dlfcn.h>
-#include <mutex>
+#include <exception>
+#include <map>
 #include <thread>
 #include <utility>
 
@@ -21,9 +22,8 @@ namespace {
 
 constexpr uint32_t BufferCount = 8;
 constexpr uint32_t UsualLatencyMilliseconds = 90;
-constexpr uint64_t StallMilliseconds = 5000; ///< a healthy card asks many times a second
-constexpr std::chrono::milliseconds CloseLimit{1500};
-constexpr std::chrono::milliseconds LookUpLimit{1500};
+constexpr std::chrono::milliseconds ClosePatience{1500}; ///< with a server that may have died
+constexpr std::chrono::milliseconds OpenPatience{2000};  ///< a machine may have many cards to look at
 
 void IgnoreAlsaError(const char* /*file*/, int /*line*/, const char* /*function*/, int /*code*/, const char* /*format*/,
                      ...)
@@ -114,24 +114,12 @@ uint32_t ChannelsFor(const std::string& system, const Card& card, uint32_t wante
 
 } // namespace
 
+/// What the library's threads use. It outlives a stream that is left to itself.
 struct RtStreamCore {
-    std::unique_ptr<RtAudio> Audio;
     std::atomic<FrameMover*> Mover = nullptr;
     std::atomic<bool> IsMoving = false;
-    std::atomic<bool> Failed = false;
-    std::atomic<bool> Reported = false; ///< Message is written
-    std::array<char, 256> Message{};
-    std::atomic<uint64_t> LastCall{0}; ///< ticks
-    std::atomic<bool> Runs = false;
+    StreamHealth Health;
     uint32_t Channels = 0; ///< fixed before the stream starts
-
-    void Fail(const std::string& text)
-    {
-        if (Failed.exchange(true))
-            return;
-        text.copy(Message.data(), Message.size() - 1);
-        Reported.store(true, std::memory_order_release);
-    }
 };
 
 namespace {
@@ -151,70 +139,32 @@ private:
     RtStreamCore* m_before;
 };
 
-int OnFrames(void* out, void* in, unsigned int count, double, RtAudioStreamStatus, void* user)
+int OnFrames(void* out, void* in, unsigned int count, double, RtAudioStreamStatus status, void* user)
 {
     constexpr int GoOn = 0;
     constexpr int Abort = 2;
     auto& core = *static_cast<RtStreamCore*>(user);
     t_current = &core;
-    if (core.Failed.load(std::memory_order_relaxed))
+    const bool hadGap = status != 0;
+    if (!core.Health.OnCall(TickMilliseconds(), hadGap))
         return Abort;
-    core.LastCall.store(TickMilliseconds(), std::memory_order_relaxed);
     // In one order with Stop, which takes the mover away and then waits for the end of the move.
     core.IsMoving.store(true, std::memory_order_seq_cst);
     if (FrameMover* mover = core.Mover.load(std::memory_order_seq_cst))
-        mover->Move(static_cast<float*>(out ? out : in), count);
+        mover->Move(static_cast<float*>(out ? out : in), count, hadGap);
     else if (out)
         std::fill_n(static_cast<float*>(out), static_cast<size_t>(count) * core.Channels, 0.0F);
     core.IsMoving.store(false, std::memory_order_release);
     return GoOn;
 }
 
-void OnError(RtAudioError::Type, const std::string& text)
+void OnError(RtAudioError::Type type, const std::string& text)
 {
-    if (t_current)
-        t_current->Fail(text);
+    if (t_current && type == RtAudioError::WARNING)
+        t_current->Health.OnWarning(text);
+    else if (t_current)
+        t_current->Health.OnError(text);
 }
-
-/// The library looks for devices with the help of static data, and each opening of a stream looks for them first: that
-/// is done by one at a time. A server that hangs keeps its turn; the others then give up after a while.
-class LookUpTurn {
-public:
-    LookUpTurn()
-    {
-        Shared& shared = All();
-        std::unique_lock lock(shared.Mutex);
-        m_isMine = shared.Changed.wait_for(lock, LookUpLimit, [&] { return !shared.IsTaken; });
-        if (m_isMine)
-            shared.IsTaken = true;
-    }
-    ~LookUpTurn()
-    {
-        if (!m_isMine)
-            return;
-        const std::lock_guard lock(All().Mutex);
-        All().IsTaken = false;
-        All().Changed.notify_one();
-    }
-    LookUpTurn(const LookUpTurn&) = delete;
-    LookUpTurn& operator=(const LookUpTurn&) = delete;
-
-    bool IsMine() const { return m_isMine; }
-
-private:
-    struct Shared {
-        std::mutex Mutex;
-        std::condition_variable Changed;
-        bool IsTaken = false;
-    };
-    static Shared& All()
-    {
-        static auto& shared = *new Shared; // also for threads that outlive main
-        return shared;
-    }
-
-    bool m_isMine = false;
-};
 
 /// Runs a step that may throw; the text of what it threw, else empty.
 template <typename Step>
@@ -224,17 +174,93 @@ std::string FaultOf(Step&& step)
         step();
         return {};
     } catch (const std::exception& fault) {
-        const std::string text = fault.what();
+        const std::string text = TextForPerson(fault.what());
         return text.empty() ? "unknown error" : text;
     }
 }
 
-/// The same of a step that looks for devices.
-template <typename Step>
-std::string FaultOfLookUp(Step&& step)
+/// The library looks for the devices of a system with the help of static data, and each opening of a stream looks for
+/// them first: that is done by one at a time. Null: there is no such system.
+HangGuard* LookUpsOf(const std::string& system)
 {
-    const LookUpTurn turn;
-    return turn.IsMine() ? FaultOf(step) : "the sound server does not answer";
+    // Never destroyed, as one that hangs may outlive main.
+    static auto& guards = *[] {
+        auto* all = new std::map<std::string, HangGuard>;
+        for (const std::string& name : ListCardSystems())
+            all->try_emplace(name, OpenPatience);
+        return all;
+    }();
+    const auto found = guards.find(system);
+    return found == guards.end() ? nullptr : &found->second;
+}
+
+/// What an opening finds.
+struct Opened {
+    std::string Name;
+    StreamShape Shape;
+    uint32_t LatencyFrames = 0;
+    std::string Trouble;                ///< why it is not open; for a person
+    std::shared_ptr<RtStreamCore> Core; ///< before the stream that uses it
+    std::unique_ptr<RtAudio> Audio;
+};
+
+void OpenCard(Opened& opened, const std::string& system, const std::string& device, bool forCapture,
+              const StreamWish& wish)
+{
+    opened.Audio = MakeAudio(system);
+    const std::vector<Card> cards = opened.Audio ? CardsOf(*opened.Audio, forCapture) : std::vector<Card>();
+    const Card* const card = FindCard(cards, device, forCapture);
+    if (!card) {
+        opened.Trouble = device.empty() ? "There is no sound device (" + system + ")."
+                                        : "The sound device " + device + " is not there.";
+        return;
+    }
+    opened.Name = card->Info.name;
+    opened.Shape.Rate = RateFor(*card, wish.Sound.nSamplesPerSec);
+    opened.Shape.Channels = ChannelsFor(system, *card, wish.Sound.nChannels, forCapture);
+    opened.Core->Channels = opened.Shape.Channels;
+    const uint32_t latency = wish.LatencyMilliseconds ? wish.LatencyMilliseconds : UsualLatencyMilliseconds;
+    unsigned int frames = static_cast<unsigned int>(
+        std::clamp<uint64_t>(uint64_t{latency} * opened.Shape.Rate / 1000 / BufferCount, 32, 8192));
+    RtAudio::StreamParameters parameters{card->Id, opened.Shape.Channels, 0};
+    RtAudio::StreamOptions options;
+    options.numberOfBuffers = BufferCount;
+    options.streamName = "Ek Wave Editor";
+    const CurrentCore current(*opened.Core);
+    opened.Audio->openStream(forCapture ? nullptr : &parameters, forCapture ? &parameters : nullptr, RTAUDIO_FLOAT32,
+                             opened.Shape.Rate, &frames, OnFrames, opened.Core.get(), &options, OnError);
+    opened.Shape.PeriodFrames = frames;
+    // What a system does not tell is what it was asked to hold.
+    const auto told = static_cast<uint32_t>(std::max(opened.Audio->getStreamLatency(), 0L));
+    opened.LatencyFrames = told > 0 ? told + frames : (forCapture ? frames : frames * BufferCount);
+}
+
+void CloseStream(std::unique_ptr<RtAudio> audio, RtStreamCore& core)
+{
+    (void)FaultOf([&] {
+        const CurrentCore current(core);
+        if (audio->isStreamRunning())
+            audio->abortStream();
+    });
+    (void)FaultOf([&] { audio.reset(); });
+}
+
+/// A server that no longer answers would keep the caller here for ever: then the stream is left to itself.
+void CloseOrLeave(std::unique_ptr<RtAudio> audio, const std::shared_ptr<RtStreamCore>& core)
+{
+    try {
+        const auto closed = std::make_shared<ManualResetEvent>();
+        std::thread thread([handle = audio.get(), core, closed] {
+            CloseStream(std::unique_ptr<RtAudio>(handle), *core);
+            closed->Set();
+        });
+        (void)audio.release();
+        thread.detach();
+        (void)closed->WaitFor(ClosePatience);
+    } catch (const std::exception&) {
+        if (audio)
+            CloseStream(std::move(audio), *core); // without a thread there is no other way
+    }
 }
 
 } // namespace
@@ -251,105 +277,91 @@ RtStream::~RtStream()
 
 bool RtStream::Open(const std::string& device, const StreamWish& wish, std::string& trouble)
 {
-    const std::string fault = FaultOfLookUp([&] {
-        m_core->Audio = MakeAudio(m_system);
-        const std::vector<Card> cards = m_core->Audio ? CardsOf(*m_core->Audio, m_forCapture) : std::vector<Card>();
-        const Card* const card = FindCard(cards, device, m_forCapture);
-        if (!card) {
-            trouble = device.empty() ? "There is no sound device (" + m_system + ")."
-                                     : "The sound device " + device + " is not there.";
-            return;
-        }
-        m_name = card->Info.name;
-        m_shape.Rate = RateFor(*card, wish.Sound.nSamplesPerSec);
-        m_shape.Channels = ChannelsFor(m_system, *card, wish.Sound.nChannels, m_forCapture);
-        m_core->Channels = m_shape.Channels;
-        const uint32_t latency = wish.LatencyMilliseconds ? wish.LatencyMilliseconds : UsualLatencyMilliseconds;
-        unsigned int frames = std::clamp<uint32_t>(
-            static_cast<uint32_t>(uint64_t{latency} * m_shape.Rate / 1000 / BufferCount), 32, 8192);
-        RtAudio::StreamParameters parameters{card->Id, m_shape.Channels, 0};
-        RtAudio::StreamOptions options;
-        options.numberOfBuffers = BufferCount;
-        options.streamName = "Ek Wave Editor";
-        const CurrentCore current(*m_core);
-        m_core->Audio->openStream(m_forCapture ? nullptr : &parameters, m_forCapture ? &parameters : nullptr,
-                                  RTAUDIO_FLOAT32, m_shape.Rate, &frames, OnFrames, m_core.get(), &options, OnError);
-        m_shape.PeriodFrames = frames;
-        // What a system does not tell is what it was asked to hold.
-        const auto told = static_cast<uint32_t>(std::max(m_core->Audio->getStreamLatency(), 0L));
-        m_latencyFrames = told > 0 ? told + frames : (m_forCapture ? frames : frames * BufferCount);
+    HangGuard* const lookUps = LookUpsOf(m_system);
+    if (!lookUps) {
+        trouble = "There is no sound system " + m_system + ".";
+        return false;
+    }
+    auto opened = std::make_shared<Opened>();
+    opened->Core = m_core;
+    const bool inTime = lookUps->Run([opened, device, wish, system = m_system, capture = m_forCapture] {
+        const std::string fault = FaultOf([&] { OpenCard(*opened, system, device, capture, wish); });
+        if (!fault.empty())
+            opened->Trouble = "The sound device " + (opened->Name.empty() ? system : opened->Name) +
+                              " can't be opened: " + fault + ".";
+        if (!opened->Trouble.empty())
+            (void)FaultOf([&] { opened->Audio.reset(); });
     });
-    if (!fault.empty())
-        trouble = "The sound device " + (m_name.empty() ? m_system : m_name) + " can't be opened: " + fault;
-    return fault.empty() && m_shape.PeriodFrames > 0;
+    if (!inTime) {
+        trouble = "The sound system " + m_system + " does not answer.";
+        return false;
+    }
+    m_name = opened->Name;
+    m_shape = opened->Shape;
+    m_latencyFrames = opened->LatencyFrames;
+    m_audio = std::move(opened->Audio);
+    if (!opened->Trouble.empty())
+        trouble = opened->Trouble;
+    return opened->Trouble.empty();
 }
 
 bool RtStream::Start(FrameMover& mover, std::string& trouble)
 {
-    m_core->LastCall = TickMilliseconds();
     m_core->Mover = &mover;
-    m_core->Runs = true;
+    m_core->Health.Begin(TickMilliseconds());
     std::string fault = FaultOf([&] {
         const CurrentCore current(*m_core);
-        m_core->Audio->startStream();
+        m_audio->startStream();
     });
-    if (fault.empty() && !m_core->Failed)
+    if (fault.empty() && HasFailed())
+        fault = m_core->Health.Reason();
+    else if (fault.empty())
         return true;
-    trouble = "The sound device " + m_name + " can't be started: " + (fault.empty() ? Trouble() : fault);
+    trouble = "The sound device " + m_name + " can't be started" + (fault.empty() ? "." : ": " + fault + ".");
     Stop();
     return false;
 }
 
 void RtStream::Stop()
 {
-    if (!m_core->Audio)
+    if (!m_audio)
         return;
-    m_core->Runs = false;
+    m_core->Health.End();
     m_core->Mover.store(nullptr, std::memory_order_seq_cst);
     while (m_core->IsMoving.load(std::memory_order_seq_cst))
         std::this_thread::yield();
-    // A server that no longer answers would keep the caller here for ever: then the stream is left to itself.
-    auto closed = std::make_shared<ManualResetEvent>();
-    std::thread closer([core = m_core, closed] {
-        (void)FaultOf([&] {
-            const CurrentCore current(*core);
-            if (core->Audio->isStreamRunning())
-                core->Audio->abortStream();
-        });
-        (void)FaultOf([&] { core->Audio.reset(); });
-        closed->Set();
-    });
-    if (closed->WaitFor(CloseLimit))
-        closer.join();
-    else
-        closer.detach();
-    const std::shared_ptr<RtStreamCore> old = std::exchange(m_core, std::make_shared<RtStreamCore>());
-    if (old->Failed.load())
-        m_core->Fail(old->Reported.load(std::memory_order_acquire) ? old->Message.data() : "");
+    CloseOrLeave(std::move(m_audio), m_core);
 }
 
 bool RtStream::HasFailed() const
 {
-    const RtStreamCore& core = *m_core;
-    return core.Failed.load() || (core.Runs.load() && TickMilliseconds() - core.LastCall.load() > StallMilliseconds);
+    return m_core->Health.HasFailed(TickMilliseconds());
 }
 
 std::string RtStream::Trouble() const
 {
-    const RtStreamCore& core = *m_core;
-    const bool isTold = core.Reported.load(std::memory_order_acquire) && core.Message[0] != '\0';
-    return m_name + " has stopped working" + (isTold ? std::string(": ") + core.Message.data() : std::string()) + ".";
+    const std::string reason = m_core->Health.Reason();
+    return m_name + " has stopped working" + (reason.empty() ? "." : ": " + reason + ".");
 }
 
 std::vector<AudioDeviceInfo> ListCards(const std::string& system, bool forCapture)
 {
-    std::vector<AudioDeviceInfo> list;
-    (void)FaultOfLookUp([&] {
-        if (const std::unique_ptr<RtAudio> audio = MakeAudio(system))
-            for (const Card& card : CardsOf(*audio, forCapture))
-                list.push_back({system, card.Info.name, card.Channels(forCapture), card.IsDefault(forCapture)});
+    HangGuard* const lookUps = LookUpsOf(system);
+    auto list = std::make_shared<std::vector<AudioDeviceInfo>>();
+    const bool inTime = lookUps && lookUps->Run([list, system, forCapture] {
+        (void)FaultOf([&] {
+            if (const std::unique_ptr<RtAudio> audio = MakeAudio(system))
+                for (const Card& card : CardsOf(*audio, forCapture))
+                    list->push_back({system, card.Info.name, card.Channels(forCapture), card.IsDefault(forCapture)});
+        });
     });
-    return list;
+    return inTime ? *list : std::vector<AudioDeviceInfo>();
+}
+
+void AwaitLookUps(std::chrono::milliseconds limit)
+{
+    for (const std::string& system : ListCardSystems())
+        LookUpsOf(system)->WaitUntilIdle(limit);
 }
 
 std::vector<std::string> ListCardSystems()

@@ -120,7 +120,7 @@ std::unique_ptr<CEffectNode> EffectTreeFile::ReadNode(const enXml& element, bool
         const NODE_TYPE type = isInChain ? NodeSubEffect : NodeLibraryEffect;
         node = std::make_unique<CEffectNode>(std::move(caption), type, std::move(effect));
     } else {
-        node = std::make_unique<CEffectNode>(caption.empty() ? element.Name() : std::move(caption), NodeUnavailable);
+        node = std::make_unique<CEffectNode>(caption.empty() ? element.Name() : caption, NodeUnavailable);
         node->m_kept = CopyOf(element);
         return node;
     }

@@ -17,6 +17,7 @@
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <new>
 #include <string>
 #include <thread>
 #include <utility>
@@ -81,13 +82,13 @@ private:
 /// A card that takes frames when a test says so, on the thread of the test.
 class FakeCard final : public OutputDevice {
 public:
-    FakeCard(StreamShape shape, uint32_t latency, std::function<int64_t()> now)
-        : m_shape(shape), m_latency(latency), m_now(std::move(now))
+    FakeCard(std::string name, StreamShape shape, uint32_t latency, std::function<int64_t()> now)
+        : m_name(std::move(name)), m_shape(shape), m_latency(latency), m_now(std::move(now))
     {
     }
 
     StreamShape Shape() const override { return m_shape; }
-    std::string Name() const override { return "Fake"; }
+    std::string Name() const override { return m_name; }
     uint32_t LatencyFrames() const override { return m_latency; }
     void Stop() override
     {
@@ -95,10 +96,13 @@ public:
         m_queue = nullptr;
     }
     bool HasFailed() const override { return m_failed; }
+    bool HasMoved() override { return std::exchange(Moves, false); }
     std::string Trouble() const override { return m_failed ? "Unplugged." : ""; }
     bool Start(PlayQueue& queue, std::string& trouble) override
     {
         const std::lock_guard lock(m_mutex);
+        if (Throws)
+            throw std::bad_alloc();
         if (Refuses)
             trouble = "Busy.";
         else
@@ -123,8 +127,11 @@ public:
     }
 
     bool Refuses = false;
+    bool Throws = false;
+    bool Moves = false; ///< another card has become the default one
 
 private:
+    std::string m_name;
     StreamShape m_shape;
     uint32_t m_latency;
     std::function<int64_t()> m_now;
@@ -144,9 +151,12 @@ public:
             return MakeFileOutput(wish, choice.File, trouble);
         if (choice.System == "null")
             return OpenNullOutput(wish);
+        ++Openings;
+        if (BeforeOpening)
+            BeforeOpening();
         if (Cards.empty()) {
             trouble = "No card.";
-            return nullptr;
+            return choice.System == "auto" ? OpenNullOutput(wish) : nullptr;
         }
         std::unique_ptr<OutputDevice> card = std::move(Cards.front());
         Cards.pop_front();
@@ -166,11 +176,10 @@ public:
         trouble = "No microphone.";
         return nullptr;
     }
-    bool HasMoved(const AudioDeviceChoice&, const std::string&) override { return Moved; }
 
-    FakeCard& AddCard(StreamShape shape, uint32_t latency = 0)
+    FakeCard& AddCard(StreamShape shape, uint32_t latency = 0, const std::string& name = "Fake")
     {
-        auto card = std::make_unique<FakeCard>(shape, latency, [this] { return NowMicroseconds(); });
+        auto card = std::make_unique<FakeCard>(name, shape, latency, [this] { return NowMicroseconds(); });
         FakeCard& reference = *card;
         Cards.push_back(std::move(card));
         return reference;
@@ -178,7 +187,8 @@ public:
 
     std::shared_ptr<ManualClock> Clock = std::make_shared<ManualClock>();
     std::deque<std::unique_ptr<OutputDevice>> Cards;
-    bool Moved = false;
+    uint32_t Openings = 0; ///< tries to open a card
+    std::function<void()> BeforeOpening;
 };
 
 /// What a listener was told; any thread.
@@ -187,6 +197,7 @@ public:
     void OnPlayerGranted() override { Add("granted"); }
     void OnPlayerReconfigured() override { Add("reconfigured"); }
     void OnControlsChanged() override { Add("controls"); }
+    void OnDeviceChanged() override { Add("device"); }
     void OnInputGranted() override { Add("input"); }
     void OnDeviceTrouble(const std::string& text) override { Add(text); }
 

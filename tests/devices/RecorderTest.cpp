@@ -124,6 +124,8 @@ TEST_F(RecorderTest, WhatTheRingCannotHoldIsCounted)
     queue.Put(frames.data(), 100, 2000000);
     queue.Put(frames.data() + 100, 100, 2000000); // there is room for 28
     EXPECT_EQ(queue.Lost(), 72U);
+    queue.CountLost(5); // by the card itself
+    EXPECT_EQ(queue.Lost(), 77U);
     std::vector<float> taken(200);
     EXPECT_EQ(queue.Take(taken.data(), 200), 128U);
     for (size_t i = 0; i < 128; ++i)
@@ -140,7 +142,7 @@ TEST_F(RecorderTest, OneModuleOwnsTheInputAndRefusalsAreTold)
     EXPECT_FALSE(m_recorder.AcquireInput(u"Two"));
     m_recorder.ReleaseInput(u"One");
     EXPECT_TRUE(m_recorder.AcquireInput(u"Two"));
-    EXPECT_THAT(m_told.Take(), ElementsAre("input", "input"));
+    EXPECT_THAT(m_told.Take(), ElementsAre("input", "input", "input"));
 
     m_recorder.Choose({"cards"});
     EXPECT_FALSE(m_recorder.Start());

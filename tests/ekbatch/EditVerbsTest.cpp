@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "EkbatchFixture.h"
 
+#include <sys/stat.h>
+
+#include <thread>
+
 namespace {
 
 /// Commands on the sounds that the test has made.
@@ -144,6 +148,45 @@ TEST_F(EditVerbsTest, WhatIsPlayedIntoAFileIsTheSelectionOrAll)
     const RunResult empty = RunScript("new 8000 1\nplay a.wav\n");
     EXPECT_EQ(empty.Errors, "-:2: the sound is empty\n");
     EXPECT_EQ(SoundOf(ReadText(m_folder / "a.wav")), Sound()) << "what stood there stands";
+}
+
+/// The output of the script is more than a pipe holds, so it waits before the last command until somebody reads.
+TEST_F(EditVerbsTest, ASoundThatCannotBeReadToItsEndTakesNothingsPlace)
+{
+    MakeWave("ramp.wav", 400000);
+    MakeWave("a.wav", 10);
+    const std::string before = ReadText(m_folder / "a.wav");
+    ASSERT_EQ(mkfifo((m_folder / "stdout").c_str(), 0600), 0);
+    std::thread reader([this] {
+        std::ifstream pipe(m_folder / "stdout");
+        std::string line;
+        std::getline(pipe, line);
+        for (const auto& file : fs::directory_iterator(m_folder / "tmp"))
+            fs::resize_file(file, fs::file_size(file) / 2);
+        while (std::getline(pipe, line)) {
+        }
+        fs::remove(m_folder / "stdout");
+    });
+    std::string script = "open ramp.wav\n";
+    for (int i = 0; i < 2000; ++i)
+        script += "info\n";
+    const RunResult run = RunScript(script + "play a.wav\n");
+    reader.join();
+    EXPECT_EQ(run.Status, 1);
+    EXPECT_NE(run.Errors.find("Can't read the sound."), std::string::npos) << run.Errors;
+    EXPECT_EQ(ReadText(m_folder / "a.wav"), before);
+    for (const auto& file : fs::directory_iterator(m_folder))
+        EXPECT_EQ(file.path().filename().string().find("ekplay"), std::string::npos) << file.path();
+}
+
+TEST_F(EditVerbsTest, WithoutASoundDeviceItIsSaidThatNothingIsHeard)
+{
+    if (fs::exists("/dev/snd"))
+        GTEST_SKIP() << "this machine has a sound card";
+    MakeWave("ramp.wav", 800);
+    const RunResult run = RunScript("open ramp.wav\nplay\n");
+    EXPECT_EQ(run.Status, 0) << run.Errors;
+    EXPECT_EQ(run.Errors.rfind("There is no sound device", 0), 0U) << run.Errors;
 }
 
 } // namespace

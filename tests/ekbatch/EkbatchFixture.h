@@ -43,10 +43,10 @@ protected:
     RunResult Run(const std::string& arguments, const std::string& input = {})
     {
         std::ofstream(m_folder / "stdin") << input;
-        const std::string command = "cd '" + m_folder.string() +
-                                    "' && TMPDIR=\"$PWD/tmp\" XDG_DATA_HOME=\"$PWD/data\"" +
-                                    " XDG_CONFIG_HOME=\"$PWD/config\" XDG_STATE_HOME=\"$PWD/state\" " + EK_BIN_DIR +
-                                    "/ekbatch " + arguments + " <stdin >stdout 2>stderr";
+        const std::string command =
+            "cd '" + m_folder.string() + "' && TMPDIR=\"$PWD/tmp\" XDG_DATA_HOME=\"$PWD/data\"" +
+            " XDG_CONFIG_HOME=\"$PWD/config\" XDG_STATE_HOME=\"$PWD/state\"" + " PULSE_SERVER=unix:/nowhere " +
+            EK_BIN_DIR + "/ekbatch " + arguments + " <stdin >stdout 2>stderr";
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(m_folder / "stdout"),
                 ReadText(m_folder / "stderr")};

@@ -24,11 +24,15 @@
 #include <QSpinBox>
 #include <QStatusBar>
 #include <QTest>
+#include <QToolButton>
 
 #include <sndfile.h>
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
+#include <stdlib.h>
+#include <sys/resource.h>
 
 namespace ek {
 namespace {
@@ -42,6 +46,29 @@ AudioDeviceChoice Silent(uint32_t latency = 0)
 {
     return {.System = "null", .Device = {}, .LatencyMilliseconds = latency, .File = {}};
 }
+
+/// While it lives, no file of this process grows beyond some megabytes.
+class FullDisk {
+public:
+    FullDisk()
+    {
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{.rlim_cur = 4 << 20, .rlim_max = m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        m_handler = std::signal(SIGXFSZ, SIG_IGN);
+    }
+    ~FullDisk()
+    {
+        std::signal(SIGXFSZ, m_handler);
+        setrlimit(RLIMIT_FSIZE, &m_before);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    rlimit m_before{};
+    void (*m_handler)(int);
+};
 
 /// Delivers silence without an end.
 uint32_t FillSilence(CHostAudioDevice*, void* request, void*)
@@ -80,6 +107,21 @@ protected:
         m_player->SetBufferSize(4096);
         m_player->SetCallback(FillSilence, nullptr);
     }
+
+    void ChooseFile(const std::filesystem::path& file)
+    {
+        m_window->Audio().Choose({.Output = {.System = "file", .Device = {}, .File = file}, .InputDevice = {}});
+    }
+
+    QToolButton& DeviceButton() const
+    {
+        for (QToolButton* button : m_window->findChildren<QToolButton*>()) {
+            if (button->accessibleName() == "Audio device")
+                return *button;
+        }
+        throw std::runtime_error("no device button");
+    }
+    QImage DeviceIcon() const { return DeviceButton().icon().pixmap(16).toImage(); }
 
     void Announce(bool canPlay) { m_player->UpdateControls(Owner, canPlay); }
 
@@ -134,7 +176,9 @@ TEST_F(AudioTest, TheTransportFollowsThePlayerAndDrivesTheModule)
     m_module.Frame->setFocus();
     const auto pressSpace = [this] { QTest::keyClick(m_window->windowHandle(), Qt::Key_Space); };
     pressSpace();
-    EXPECT_THAT(TakeMessageIds(), IsEmpty()) << "there is nothing to play";
+    QTest::keyClick(m_window->windowHandle(), Qt::Key_L);
+    EXPECT_TRUE(m_player->IsLoop());
+    EXPECT_THAT(TakeMessageIds(), IsEmpty()) << "there is nothing to play, and the loop is the host's own";
     Announce(true);
     pressSpace();
     EXPECT_EQ(m_player->GetState(), CHostAudioDevice::Running);
@@ -148,15 +192,6 @@ TEST_F(AudioTest, TheTransportFollowsThePlayerAndDrivesTheModule)
     EXPECT_EQ(m_player->GetState(), CHostAudioDevice::Stopped);
     EXPECT_EQ(slider->value(), 0);
     EXPECT_FALSE(slider->isEnabled());
-}
-
-TEST_F(AudioTest, TheLoopIsTheHosts)
-{
-    EXPECT_FALSE(m_player->IsLoop());
-    m_module.Frame->setFocus();
-    QTest::keyClick(m_window->windowHandle(), Qt::Key_L);
-    EXPECT_TRUE(m_player->IsLoop());
-    EXPECT_THAT(m_module.Frame->Messages, IsEmpty());
 }
 
 TEST_F(AudioTest, AJumpInSilenceGivesTheModuleThePlayerFirstAndSeekingCarriesItsPercent)
@@ -174,20 +209,91 @@ TEST_F(AudioTest, AJumpInSilenceGivesTheModuleThePlayerFirstAndSeekingCarriesIts
     EXPECT_THAT(m_module.Frame->Messages, ElementsAre(StubFrame::Message{EK_WM_COMMAND, TransportSeek, 37}));
 }
 
-TEST_F(AudioTest, ADeviceThatRefusesIsToldOnceWithoutADialog)
+TEST_F(AudioTest, ADeviceThatRefusesIsToldAtEachTryWithoutADialog)
 {
-    m_window->Audio().Choose(
-        {.Output = {.System = "file", .Device = {}, .File = m_folder / "no/folder.wav"}, .InputDevice = {}});
     Configure();
-    int told = 0;
-    QObject::connect(&m_window->Audio(), &HostAudio::Trouble, [&told] { ++told; });
-    for (int i = 0; i < 3; ++i) {
+    QStringList told;
+    QObject::connect(&m_window->Audio(), &HostAudio::Trouble, [&told](const QString& text) { told.append(text); });
+    const auto refuse = [this](const char* file) {
+        ChooseFile(m_folder / file);
         EXPECT_FALSE(m_player->Start());
+    };
+    for (int i = 0; i < 2; ++i) {
+        refuse("no/first.wav");
         QCoreApplication::processEvents();
     }
-    EXPECT_EQ(told, 1);
-    EXPECT_FALSE(m_window->statusBar()->currentMessage().isEmpty());
+    refuse("no/first.wav");
+    refuse("no/second.wav");
+    QCoreApplication::processEvents();
+    ASSERT_EQ(told.size(), 3);
+    EXPECT_EQ(told[0], told[1]);
+    EXPECT_TRUE(told[2].startsWith(told[0] + u'\n') && told[2].contains(QStringLiteral("second.wav"))) << "both";
+    EXPECT_FALSE(m_window->statusBar()->currentMessage().contains(u'\n'));
     EXPECT_TRUE(m_window->findChildren<QMessageBox*>().isEmpty()) << "the module says that it cannot play";
+}
+
+TEST_F(AudioTest, AFailureThatEndsPlayingIsToldInADialogHoweverItIsNoticed)
+{
+    ChooseFile(m_folder / "heard.wav");
+    const FullDisk disk;
+    Play();
+    const auto ends = [this] { return m_player->GetState() == CHostAudioDevice::Stopped; };
+    for (int i = 0; i < 60000 && !ends(); ++i)
+        QTest::qSleep(1); // no event tells the window of it
+    ASSERT_TRUE(ends());
+    m_window->Audio().Player().Watch();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !m_window->findChildren<QMessageBox*>().isEmpty(); }, 60000));
+    EXPECT_THAT(m_window->findChild<QMessageBox*>()->text().toStdString(), testing::HasSubstr("heard.wav"));
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "heard.wav"));
+}
+
+TEST_F(AudioTest, TheBarShowsTroubleUntilTheDeviceThatWasWishedForIsInUse)
+{
+    const QImage calm = DeviceIcon();
+    ChooseFile(m_folder / "no/folder.wav");
+    Configure();
+    EXPECT_FALSE(m_player->Start());
+    QCoreApplication::processEvents();
+    EXPECT_NE(DeviceIcon(), calm);
+    EXPECT_TRUE(DeviceButton().toolTip().contains(QStringLiteral("folder.wav")));
+    m_window->Audio().Choose({.Output = Silent(), .InputDevice = {}});
+    EXPECT_EQ(DeviceIcon(), calm);
+    EXPECT_EQ(DeviceButton().toolTip(), "Audio device");
+    ASSERT_TRUE(m_player->Start());
+    const QString silent = DeviceButton().toolTip();
+    EXPECT_NE(silent, "Audio device") << "it has a name";
+    EXPECT_EQ(DeviceIcon(), calm) << "silence was wished for";
+
+    ASSERT_EQ(setenv("PULSE_SERVER", "unix:/nowhere", 1), 0);
+    m_window->Audio().Choose({});
+    if (!m_window->Audio().Player().IsInTrouble())
+        GTEST_SKIP() << "this machine has a sound card";
+    QCoreApplication::processEvents();
+    EXPECT_NE(DeviceIcon(), calm) << "nobody hears what plays";
+    m_window->Audio().Choose({.Output = Silent(), .InputDevice = {}});
+    EXPECT_EQ(DeviceIcon(), calm);
+    EXPECT_EQ(DeviceButton().toolTip(), silent);
+}
+
+TEST_F(AudioTest, WhatIsChosenIsStoredButNotInARunWithAnAudioSystemOfItsOwn)
+{
+    const auto chooseDefault = [this] {
+        QMenu& menu = m_window->findChild<TransportBar*>()->DeviceMenu();
+        emit menu.aboutToShow();
+        menu.actions().first()->trigger();
+    };
+    chooseDefault();
+    EXPECT_EQ(m_settings.Get("Host", "AudioSystem"), std::nullopt);
+    m_window.reset();
+    m_settings.Set("Host", "AudioSystem", "null");
+    m_settings.Set("Host", "AudioOutput", "Gone");
+    m_settings.Set("Host", "AudioInput", "Microphone");
+    m_window = std::make_unique<HostWindow>(
+        m_module.Exports, m_settings,
+        HostWindowOptions{.SkinOfThisRun = "Light", .AskDesktop = false, .AudioOfThisRun = {}});
+    chooseDefault();
+    EXPECT_EQ(m_settings.Get("Host", "AudioOutput"), "");
+    EXPECT_EQ(m_settings.Get("Host", "AudioInput"), "Microphone");
 }
 
 TEST_F(AudioTest, RecordingWaitsForTheModulesLeave)
@@ -300,13 +406,15 @@ TEST(TestToneTest, ASecondOfAQuietToneIsHeardAndNothingElse)
     EXPECT_NEAR(loudest, 0.1, 0.001);
 }
 
-TEST(TestToneTest, ADeviceThatCannotBeTriedSaysWhy)
+TEST(TestToneTest, ADeviceThatIsNotHeardSaysWhy)
 {
     TestTone tone;
     QString text;
     QObject::connect(&tone, &TestTone::Failed, [&text](const QString& failure) { text = failure; });
     tone.Play({.System = "file", .Device = {}, .File = "/dev/null/tone.wav"});
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !text.isEmpty(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return text.contains(QStringLiteral("tone.wav")); }));
+    tone.Play(Silent());
+    EXPECT_TRUE(text.startsWith(QStringLiteral("There is no sound device")));
 }
 
 TEST(AudioSettingsTest, AChoiceComesBackAndNonsenseIsTheDefault)

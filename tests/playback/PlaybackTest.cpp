@@ -506,6 +506,7 @@ TEST_F(PlaybackTest, ASoundThatCannotBeReadEndsWithAMessage)
     m_player.Loop = 1;
     EXPECT_TRUE(m_player.Pull(500).empty()); // no frame follows one that is missing
     HearEnd();
+    EXPECT_TRUE(m_playback->HasFailed());
     EXPECT_EQ(m_prompts.Messages(), std::vector<std::string>{"Can't read the sound. Playing was stopped."});
     EXPECT_EQ(m_view.CursorFrame, 123U);
     m_playback->Play();

@@ -32,10 +32,21 @@ public:
         m_player.SetListener(nullptr);
     }
 
-    enum class End { Heard, NotHeard, Interrupted };
-    End Run()
+    /// False: it does not play, and the user has been told.
+    bool Start()
     {
         m_playback.Play();
+        m_isSilent = m_player.IsInTrouble();
+        return m_playback.IsPlaying();
+    }
+
+    /// There was no sound device to start with, and time passes without sound.
+    bool IsSilent() const { return m_isSilent; }
+
+    enum class End { Heard, NotHeard, Lost, Interrupted };
+    /// A device that goes away, with none in its place, is the end of it: nobody waits for what cannot be heard.
+    End WaitForEnd()
+    {
         auto nextWatch = std::chrono::steady_clock::now() + WatchInterval;
         while (m_playback.IsPlaying() && !m_rangePlayed.WaitFor(std::chrono::milliseconds(50))) {
             if (IsInterrupted())
@@ -46,11 +57,13 @@ public:
             if (std::chrono::steady_clock::now() >= nextWatch) {
                 m_player.Watch();
                 nextWatch += WatchInterval;
+                if (!m_isSilent && m_player.IsInTrouble())
+                    return End::Lost;
             }
         }
-        const bool heard = m_rangePlayed.IsSet();
+        const bool hasEnded = m_rangePlayed.IsSet();
         m_playback.Finish();
-        return heard ? End::Heard : End::NotHeard;
+        return hasEnded && !m_playback.HasFailed() ? End::Heard : End::NotHeard;
     }
 
     /// What the device had to say; empty: nothing.
@@ -80,6 +93,7 @@ private:
     ManualResetEvent m_rangePlayed;
     std::mutex m_mutex;
     std::string m_trouble;
+    bool m_isSilent = false;
     WaveGeometry m_view;
     HostPlayer m_player;
     WavePlayback m_playback;
@@ -126,13 +140,23 @@ Batch::Outcome Batch::Perform(const OpenSound& sound, const AudioDeviceChoice& d
                               std::string& error)
 {
     Performance performance(*sound.Document, sound.View, device);
-    const Performance::End end = performance.Run();
+    Performance::End end = Performance::End::NotHeard;
+    if (performance.Start()) {
+        if (performance.IsSilent()) {
+            m_prompts.ShowMessage("There is no sound device: the sound is not audible.", MessageButtons::Ok,
+                                  MessageIcon::Information);
+            PassMessagesOn();
+        }
+        end = performance.WaitForEnd();
+    }
     std::string trouble = performance.Trouble();
     const std::string file = device.File.string();
     if (const size_t at = file.empty() ? std::string::npos : trouble.find(file); at != std::string::npos)
         trouble.replace(at, file.size(), name);
     if (!trouble.empty())
         m_prompts.ShowMessage(trouble, MessageButtons::Ok, MessageIcon::Error);
+    if (end == Performance::End::Lost)
+        m_prompts.ShowMessage("The sound device is lost, playing was stopped.", MessageButtons::Ok, MessageIcon::Error);
     if (end == Performance::End::Interrupted)
         return Fail(error, "interrupted");
     const bool isComplete = end == Performance::End::Heard && (file.empty() || trouble.empty());

@@ -2,6 +2,7 @@
 #include "Times.h"
 
 #include <charconv>
+#include <cmath>
 
 namespace ek {
 
@@ -104,7 +105,7 @@ std::optional<uint64_t> ParseTime(std::string_view text, uint32_t rate, uint64_t
     constexpr double mostSeconds = 1e12;
     if (!seconds || *seconds > mostSeconds)
         return std::nullopt;
-    return static_cast<uint64_t>(*seconds * rate + 0.5);
+    return static_cast<uint64_t>(std::llround(*seconds * rate));
 }
 
 std::optional<ChannelCode> ParseChannel(std::string_view name)
