@@ -27,6 +27,7 @@ CEkEditorApp::CEkEditorApp()
     : m_waveTemplateName(TemplateName(IDS_WAVE_TEMPLATE)),
       m_multitrackTemplateName(TemplateName(IDS_MULTITRACK_TEMPLATE))
 {
+    SoundClipboard(); // what is made before a static object dies after it
     m_templates.push_back(
         std::make_unique<CDocTemplate>(LoadString(IDS_WAVE_TEMPLATE), [] { return std::make_unique<CWEDoc>(); }));
 }

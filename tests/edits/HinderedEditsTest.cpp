@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "EditTest.h"
-#include "FailingAllocation.h"
 #include "debugmanager/DebugManager.h"
 #include "support/CancelAt.h"
+#include "support/FailingAllocation.h"
 #include "support/FaultyFileCalls.h"
 
 #include <atomic>

@@ -1,35 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "StoreTest.h"
 
-#include <cstdlib>
+#include "support/FailingAllocation.h"
+
 #include <functional>
-#include <memory>
-#include <new>
-
-namespace {
-
-thread_local uint64_t t_untilFailure = 0; ///< allocations up to the one that fails; none does while 0
-
-} // namespace
-
-void* operator new(size_t bytes)
-{
-    if (t_untilFailure != 0 && --t_untilFailure == 0)
-        throw std::bad_alloc();
-    if (void* const memory = std::malloc(bytes != 0 ? bytes : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace ek {
 namespace {
@@ -39,23 +13,25 @@ protected:
     /// Fails every allocation of the calling thread in turn.
     void ExpectDoneOrNothing(const std::function<bool(CWaveData&)>& edit, const std::function<void(SoundModel&)>& apply)
     {
-        for (uint64_t nth = 1;; ++nth) {
+        for (uint64_t nth = 0;; ++nth) {
             SCOPED_TRACE(testing::Message() << "allocation " << nth);
             SoundModel model{2, MakeNoise(1, CWaveData::PageSize / 2 + 20000)};
             CWaveData store;
             Fill(store, model);
-            t_untilFailure = nth;
             bool done = false;
-            EXPECT_NO_THROW(done = edit(store));
-            const bool failed = t_untilFailure == 0;
-            t_untilFailure = 0;
+            bool failed = false;
+            {
+                const FailingAllocation allocation(nth);
+                EXPECT_NO_THROW(done = edit(store));
+                failed = allocation.HasFailed();
+            }
             if (done)
                 apply(model);
             ExpectSameSound(store, model);
             ASSERT_EQ(m_folder.TempFileCount(), store.TempFiles().size());
             if (!failed) {
                 EXPECT_TRUE(done);
-                EXPECT_GT(nth, 1U);
+                EXPECT_GT(nth, 0U);
                 return;
             }
         }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "FailingAllocation.h"
+#include "support/FailingAllocation.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -20,6 +20,15 @@ void* operator new(size_t size)
     if (void* memory = std::malloc(std::max<size_t>(size, 1)))
         return memory;
     throw std::bad_alloc();
+}
+
+void* operator new(size_t size, const std::nothrow_t&) noexcept
+{
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 void operator delete(void* memory) noexcept
