@@ -3,9 +3,9 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <exception>
 #include <fcntl.h>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -17,7 +17,11 @@ namespace {
 /// Closes descriptors on its thread. Those of one moment are few; more than that the caller closes.
 class Closer {
 public:
-    Closer() { m_descriptors.reserve(MostWaiting); }
+    Closer()
+    {
+        m_descriptors.reserve(MostWaiting);
+        m_taken.reserve(MostWaiting);
+    }
 
     void Take(int descriptor)
     {
@@ -65,25 +69,23 @@ private:
             if (!m_thread.joinable())
                 m_thread = std::thread([this] { Run(); });
             return true;
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) {
             return false;
         }
     }
 
     void Run()
     {
-        std::vector<int> taken;
-        taken.reserve(MostWaiting);
         std::unique_lock lock(m_mutex);
         while (!m_stop || !m_descriptors.empty()) {
             m_changed.wait(lock, [this] { return m_stop || !m_descriptors.empty(); });
-            taken.swap(m_descriptors);
+            m_taken.swap(m_descriptors);
             m_closing = true;
             lock.unlock();
-            for (const int descriptor : taken)
+            for (const int descriptor : m_taken)
                 ::close(descriptor);
-            m_closed += taken.size();
-            taken.clear();
+            m_closed += m_taken.size();
+            m_taken.clear();
             lock.lock();
             m_closing = false;
             m_changed.notify_all();
@@ -93,6 +95,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::vector<int> m_descriptors;
+    std::vector<int> m_taken; ///< the thread's own
     bool m_closing = false;
     bool m_stop = false;
     std::atomic<uint64_t> m_closed = 0;

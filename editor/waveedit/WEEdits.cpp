@@ -181,7 +181,11 @@ bool CWEDoc::CopyToClipboard(uint64_t start, uint64_t length, ChannelCode code)
     const bool givesUpOld = result == WorkResult::Failed && copy->LacksRoom() && SoundClipboard().Data;
     if (givesUpOld) {
         SoundClipboard().Free();
-        result = take();
+        try {
+            result = take();
+        } catch (const std::bad_alloc&) {
+            result = WorkResult::Failed;
+        }
     }
     if (result == WorkResult::Finished)
         SetSoundClipboard(std::move(copy));

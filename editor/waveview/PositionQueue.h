@@ -16,8 +16,8 @@ constexpr int32_t StampDifference(uint32_t from, uint32_t to)
 /// Which frame is heard when: marks of a time stamp (milliseconds, wrapping around) and the frame heard then.
 ///
 /// Frames that are heard one after the other at an even pace lie on a line, of which only the ends are kept: so the few
-/// marks reach from what is heard now to what a device with a long queue will play seconds later. (The swinging door of
-/// process recorders, which bounds the error of every mark that was left out.)
+/// marks reach from what is heard now to what a device with a long queue will play seconds later. It is a
+/// piecewise linear fit that bounds the error of every mark that was left out.
 class PositionQueue {
 public:
     static constexpr size_t Capacity = 7;  ///< the oldest mark gives way

@@ -42,7 +42,7 @@ std::unique_ptr<Device> OpenCard(const AudioDeviceChoice& choice, const StreamWi
             firstTrouble = reason;
         return device != nullptr;
     });
-    trouble = device ? std::string() : firstTrouble;
+    trouble = firstTrouble; // also when another system plays instead
     return device;
 }
 

@@ -6,6 +6,7 @@
 #include "devices/SoundShape.h"
 
 #include <algorithm>
+#include <exception>
 #include <string>
 #include <utility>
 
@@ -122,7 +123,7 @@ bool HostPlayer::Impl::Open(const PlaySetup& setup)
         State = Stopped;
     if (!hasStarted)
         Trouble(trouble);
-    else if (IsSubstitute && !trouble.empty())
+    else if (!trouble.empty())
         Trouble(trouble.append(" ").append(HowItGoesOn()));
     return hasStarted;
 }
@@ -179,12 +180,16 @@ bool HostPlayer::Impl::SwitchTo(std::unique_ptr<OutputDevice> device, std::strin
 void HostPlayer::Impl::Replace(std::unique_ptr<OutputDevice> device, std::string reason)
 {
     const StreamWish wish = Play.Wish();
+    const bool isOffered = device != nullptr;
+    const int64_t retry = Retry;
     std::string trouble;
     bool goesOn = device && SwitchTo(std::move(device), trouble);
     if (!goesOn) {
         if (!trouble.empty())
             reason += (reason.empty() ? "" : " ") + trouble;
         goesOn = SwitchTo(Backend.OpenNullOutput(wish), trouble);
+        if (isOffered) // what opens but does not start is tried less and less often
+            Retry = std::min(2 * retry, SlowestRetry);
     }
     if (!goesOn) {
         Play.Stop();
@@ -324,7 +329,13 @@ void HostPlayer::Watch()
 
 int HostPlayer::Start()
 {
-    const bool started = m_impl->Begin();
+    bool started = false;
+    try {
+        started = m_impl->Begin();
+    } catch (const std::exception&) { // no memory, or no thread
+        m_impl->Play.Stop();
+        m_impl->State = Stopped;
+    }
     m_impl->Announce();
     return started ? 1 : 0;
 }

@@ -23,7 +23,7 @@ namespace {
 constexpr uint32_t BufferCount = 8;
 constexpr uint32_t UsualLatencyMilliseconds = 90;
 constexpr std::chrono::milliseconds ClosePatience{1500}; ///< with a server that may have died
-constexpr std::chrono::milliseconds OpenPatience{2000};  ///< a machine may have many cards to look at
+constexpr std::chrono::milliseconds OpenPatience{4000};  ///< a sleeping card takes its time to wake
 
 void IgnoreAlsaError(const char* /*file*/, int /*line*/, const char* /*function*/, int /*code*/, const char* /*format*/,
                      ...)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "PlaybackFixture.h"
 
+#include <functional>
 #include <random>
 #include <thread>
 
@@ -81,7 +82,7 @@ protected:
             &WavePlayback::Tick,      &WavePlayback::JumpToStart,   &WavePlayback::Play,
         };
         if (choice < std::size(Calls)) {
-            (m_playback.get()->*Calls[choice])();
+            std::invoke(Calls[choice], *m_playback);
         } else if (choice == std::size(Calls)) {
             m_playback->SeekToPercent(value % 101);
         } else if (choice == std::size(Calls) + 1) {

@@ -6,7 +6,7 @@
 #include "resources/Menus.h"
 #include "resources/Strings.h"
 
-#include <deque>
+#include <list>
 
 namespace ek {
 
@@ -59,7 +59,7 @@ public:
 private:
     CommandRouter& m_router;
     CommandMenu& m_menu;
-    std::deque<MorphPopup> m_inner;
+    std::list<MorphPopup> m_inner;
 };
 
 } // namespace

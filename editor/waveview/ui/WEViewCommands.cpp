@@ -41,7 +41,7 @@ std::span<const CommandEntry> CWEView::CommandTable() const
         Command<CWEView, &CWEView::OnPasteMix, &CWEView::OnUpdatePaste>(ID_PASTE_MIX),
         CommandRange<CWEView, &CWEView::OnSelect, &CWEView::OnUpdateSelect>(ID_SELECT_ALL, ID_SELECT_ALL),
         CommandRange<CWEView, &CWEView::OnSelect, &CWEView::OnUpdateSelect>(ID_SELECT_LEFT, ID_SELECT_RIGHT),
-        CommandRange<CWEView, &CWEView::OnSelect, &CWEView::OnUpdateSelect>(ID_SELECT_BACK_LEFT, ID_SELECT_BACK_CENTER),
+        CommandRange<CWEView, &CWEView::OnSelect>(ID_SELECT_BACK_LEFT, ID_SELECT_BACK_CENTER),
         Command<CWEView, &CWEView::OnNextChannel, &CWEView::OnUpdateNextChannel>(ID_NEXT_CHANNEL),
     };
     return Table;

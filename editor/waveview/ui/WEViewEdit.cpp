@@ -66,7 +66,11 @@ void CWEView::ShowWaveMenu(QPoint place)
     const uint32_t menu = WaveMenuOf(WaveDocument().ChannelCount());
     if (menu == 0)
         return;
-    PopUpCommandMenu(*this, *this, menu, place);
+    // The commands are always there; running one for a channel that the sound lacks does nothing.
+    PopUpCommandMenu(*this, *this, menu, place, [this](uint32_t id) {
+        const auto channel = ChannelOfCommand(id);
+        return !channel || (HasSound() && HoldsChannel(WaveDocument().Format(), *channel));
+    });
 }
 
 void CWEView::OnCopy()
@@ -139,8 +143,7 @@ void CWEView::OnSelect(uint32_t id)
 
 void CWEView::OnUpdateSelect(CommandUi& ui)
 {
-    const auto channel = ChannelOfCommand(ui.Id);
-    ui.Enabled = HasSound() && channel && HoldsChannel(WaveDocument().Format(), *channel);
+    ui.Enabled = HasSound();
 }
 
 void CWEView::OnNextChannel()
